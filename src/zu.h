@@ -1,0 +1,28 @@
+/*
+ * <hnsyb/zu.h>: the whole support library in one include.
+ *
+ * Every public header of the support library is listed here, lowest layer
+ * first.  The dialog's C entry points are in <hnsyb/dsn.h>.
+ */
+#ifndef HNSYB_ZU_H
+#define HNSYB_ZU_H
+
+// Platform layer
+#include "platform/export.h"
+#include "platform/ram.h"
+#include "platform/ramfault.h"
+#include "platform/mds.h"
+#include "platform/critsec.h"
+#include "platform/semaphore.h"
+#include "platform/thread.h"
+
+// Core library
+#include "core/object.h"
+#include "core/array.h"
+#include "core/sortedarray.h"
+#include "core/list.h"
+#include "core/bitarray.h"
+#include "core/error.h"
+#include "core/errorlist.h"
+
+#endif

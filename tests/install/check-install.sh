@@ -1,0 +1,74 @@
+#!/usr/bin/env bash
+# check-install.sh BUILD_DIR CXX
+set -euo pipefail
+build=$1
+cxx=$2
+prefix=$(mktemp -d)
+trap 'rm -rf "$prefix"' EXIT
+fail() { echo "FAIL: $*" >&2; exit 1; }
+
+cmake --install "$build" --prefix "$prefix" > /dev/null
+
+for f in lib/libhnsybr.so include/hnsyb/zu.h include/hnsyb/dsn.h \
+         include/hnsyb/platform/ram.h include/hnsyb/core/array.h \
+         locale/en_US/LC_MESSAGES/HNmback.mo locale/en_US/LC_MESSAGES/uxutl24.mo \
+         lib/pkgconfig/hnsyb.pc; do
+  [ -e "$prefix/$f" ] || fail "missing $f"
+done
+
+# A program built only against the installed headers and library.
+cat > "$prefix/user.cpp" <<'CPP'
+#include <hnsyb/zu.h>
+#include <hnsyb/dsn.h>
+#include <nl_types.h>
+#include <cstdio>
+#include <cstring>
+#include <string>
+struct Item : ZuObject { int v; explicit Item(int x) : v(x) {} int compare(const ZuObject* o) const override { return v - static_cast<const Item*>(o)->v; } };
+int main(int, char** argv) {
+    ZuSortedArray a;
+    for (int v : {5, 1, 3}) a.add(new Item(v));
+    if (static_cast<Item*>(a.at(0))->v != 1 || static_cast<Item*>(a.at(2))->v != 5) return 2;
+    a.deleteContents();
+    ZuErrorList list(nullptr, 1);
+    ZuErrorKeeper::setErrorList(&list);
+    ramAddMemoryError();
+    if (ZuErrorKeeper::getLastErrorNumber() != 30190) return 3;
+    ZuErrorKeeper::giveUpErrorList();
+    std::string path = std::string(argv[1]) + "/locale/en_US/LC_MESSAGES/uxutl24.mo";
+    nl_catd cat = catopen(path.c_str(), 0);
+    if (cat == (nl_catd)-1) return 4;
+    const char* text = catgets(cat, 1, 30190, "30190");
+    if (std::strcmp(text, "Out Of Memory") != 0) { std::printf("got %s\n", text); return 5; }
+    catclose(cat);
+    path = std::string(argv[1]) + "/locale/en_US/LC_MESSAGES/HNmback.mo";
+    cat = catopen(path.c_str(), 0);
+    if (cat == (nl_catd)-1) return 6;
+    catclose(cat);
+    return 0;
+}
+CPP
+# Sanitizer builds need the same runtime in the user program.
+san=$(grep -E '^HNSYB_SANITIZE:' "$build/CMakeCache.txt" | cut -d= -f2 | tr ';' ',')
+sanflags=()
+[ -n "$san" ] && sanflags=(-fsanitize="$san")
+"$cxx" -std=c++20 -Wall -Wextra "${sanflags[@]}" -I"$prefix/include" "$prefix/user.cpp" \
+  -L"$prefix/lib" -Wl,-rpath,"$prefix/lib" -lhnsybr -o "$prefix/user" || fail "user program does not build"
+"$prefix/user" "$prefix" || fail "user program exited $?"
+
+# The dynamic symbol table holds the interface and nothing else.
+syms=$(nm -D --defined-only -C "$prefix/lib/libhnsybr.so" | awk '{ $1=""; $2=""; sub(/^  /, ""); print }')
+for name in ramAllocC ramResizeZ ramAddMemoryError mdsPerThreadInit mdsGetPerThreadData \
+            countDBLibInits atomicTaskExchange zuSemaphoreEnter UtlThreadCreate \
+            'ZuCriticalSection::enter()' 'ZuArray::addRawAtIndex(void\*, unsigned int)' \
+            'ZuSortedArray::add(ZuObject\*)' 'ZuList::insertAtPos(ZuNode\*, unsigned int)' \
+            'ZuDList::unlink(ZuDNode\*)' 'ZuErrorKeeper::setErrorList(ZuErrorList\*)' \
+            'vtable for ZuObject' 'typeinfo for ZuArrayS32' BOS_ZUSEMAPHORE_INFO MemoryError DummyError; do
+  grep -qE "^${name}$|^${name}\(" <<< "$syms" || fail "not exported: $name"
+done
+# Every exported name belongs to one of the library's families.
+allowed='^(vtable for |typeinfo for |typeinfo name for |VTT for )?(ram|mds|zu|Zu|Utl|bos|Bos|BOS_|SemArray|countDBLibInits|atomic(Task|Thread)Exchange|findThreadInfo|MemoryError|DummyError|_init$|_fini$|__bss_start$|_edata$|_end$)'
+stray=$(grep -vE "$allowed" <<< "$syms" | grep -vE '^__(asan|ubsan|sanitizer|odr_asan|tsan)' || true)
+[ -z "$stray" ] || fail "exported names outside the interface:
+$stray"
+echo "install layout, user program, catalogs and exports: ok"
