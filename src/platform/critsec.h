@@ -37,7 +37,7 @@ private:
     std::atomic<int> disabled_{0};  // 0: active
     std::atomic<int> owned_{0};     // set while some thread holds the mutex
     pthread_mutex_t mutex_ = PTHREAD_MUTEX_INITIALIZER;
-    pthread_mutexattr_t attr_{};    // kept for layout; the static initialiser needs none
+    [[maybe_unused]] pthread_mutexattr_t attr_{};  // kept for layout; the static initialiser needs none
 };
 
 // RAII guard over a critical section, for the library's own code.
