@@ -62,12 +62,13 @@ int ZuArray::increaseSize(unsigned step, int keep, int /*zero*/)
         releaseTable();
         table_ = t;
     } else {
-        releaseTable();
-        capacity_ = 0;
-        count_ = 0;
-        table_ = allocTable(newCapacity);
-        if (table_ == nullptr)
+        // Allocate before letting the old table go, so a failure changes nothing.
+        void** t = allocTable(newCapacity);
+        if (t == nullptr)
             return 1;
+        releaseTable();
+        table_ = t;
+        count_ = 0;
     }
     capacity_ = newCapacity;
     flags_ |= TableOwned;

@@ -14,84 +14,82 @@ namespace {
 // Ordered by key only; seq tells equal keys apart.
 struct Keyed : ZuObject {
     static inline int live = 0;
-    int key;
-    int seq;
+    int key, seq;
     Keyed(int k, int s = 0) : key(k), seq(s) { ++live; }
     ~Keyed() override { --live; }
     int compare(const ZuObject* other) const override
     {
         const int k = static_cast<const Keyed*>(other)->key;
-        return key < k ? -1 : (key > k ? 1 : 0);
+        return (key > k) - (key < k);
     }
 };
 
+using V = std::vector<int>;
 const Keyed* at(const ZuSortedArray& a, unsigned i) { return static_cast<const Keyed*>(a.at(i)); }
-
-std::vector<int> seqs(const ZuSortedArray& a)
+V seqs(const ZuSortedArray& a)
 {
-    std::vector<int> out;
+    V out;
     for (unsigned i = 0; i < a.getCount(); ++i)
         out.push_back(at(a, i)->seq);
     return out;
 }
+
+// findIndexOf and findIndexOfLastKey checked against a sorted model of the
+// array: a hit is an equal element and its last equal; a miss is the point
+// with everything before it less and everything from it greater.
+template <class T, class Find, class Last>
+void expectSearch(const std::vector<T>& model, T probe, Find find, Last last)
+{
+    unsigned idx = 12345;
+    const auto lower = static_cast<unsigned>(std::lower_bound(model.begin(), model.end(), probe) - model.begin());
+    const auto upper = static_cast<unsigned>(std::upper_bound(model.begin(), model.end(), probe) - model.begin());
+    if (find(probe, &idx) != 0) {
+        ASSERT_LT(lower, upper) << "hit on an absent value";
+        EXPECT_EQ(model[idx], probe);
+        EXPECT_EQ(last(probe, idx), upper - 1);
+    } else {
+        EXPECT_EQ(lower, upper) << "miss on a present value";
+        EXPECT_EQ(idx, lower);
+    }
+}
 }  // namespace
 
-TEST(ZuSortedArrayAdd, EqualKeysKeepArrivalOrder)
+TEST(ZuSortedArrayAdd, EqualKeysKeepArrivalOrderAndLazySortAppendsWhateverTheValues)
 {
-    Keyed e[] = {{5, 0}, {1, 1}, {5, 2}, {9, 3}, {5, 4}};
-    ZuSortedArray a;
-    for (auto& k : e)
-        ASSERT_EQ(a.add(&k), 0);
-    EXPECT_EQ(seqs(a), (std::vector<int>{1, 0, 2, 4, 3}));
+    for (int lazy : {0, 1}) {
+        Keyed e[] = {{5, 0}, {1, 1}, {5, 2}, {9, 3}, {5, 4}};
+        ZuSortedArray a;
+        a.setLazySort(lazy);
+        EXPECT_EQ(a.isLazySort(), lazy);
+        for (auto& k : e)
+            ASSERT_EQ(a.add(&k), 0);
+        EXPECT_EQ(seqs(a), lazy ? (V{0, 1, 2, 3, 4}) : (V{1, 0, 2, 4, 3}));
+    }
 }
 
-TEST(ZuSortedArrayAdd, LazySortAppendsWhateverTheValues)
+TEST(ZuSortedArraySearch, FindIndexOfHitsAndInsertionPointsAndFindIndexOfLastKey)
 {
-    Keyed e[] = {{9, 0}, {1, 1}, {5, 2}, {1, 3}};
-    ZuSortedArray a;
-    a.setLazySort(1);
-    EXPECT_TRUE(a.isLazySort());
-    for (auto& k : e)
-        ASSERT_EQ(a.add(&k), 0);
-    EXPECT_EQ(seqs(a), (std::vector<int>{0, 1, 2, 3}));
-    a.setLazySort(0);
-    EXPECT_FALSE(a.isLazySort());
-}
-
-TEST(ZuSortedArraySearch, FindIndexOfGivesInsertionPointOrEqualAndLastKeyTheLastEqual)
-{
-    // Arrays of 0..12 elements with keys 0,0,2,2,4,4,...; probes cover
-    // every gap, every run and both ends.
+    // 0..12 elements keyed 0,0,2,2,4,4,...; probes cover every gap, every
+    // run and both ends.
     for (int n = 0; n <= 12; ++n) {
         std::vector<Keyed> keys;
         keys.reserve(static_cast<size_t>(n));
-        std::vector<int> model;
         ZuSortedArray a;
-        for (int i = 0; i < n; ++i) {
-            keys.emplace_back(2 * (i / 2));
-            model.push_back(2 * (i / 2));
-            ASSERT_EQ(a.add(&keys.back()), 0);
-        }
+        V model;
+        for (int i = 0; i < n; ++i)
+            a.add(&keys.emplace_back(2 * (i / 2))), model.push_back(2 * (i / 2));
         for (int probe = -1; probe <= n + 1; ++probe) {
+            SCOPED_TRACE(testing::Message() << "n " << n << " probe " << probe);
             const Keyed p(probe);
-            unsigned idx = 999;
-            const int hit = a.findIndexOf(&p, &idx);
-            const auto lower = std::lower_bound(model.begin(), model.end(), probe);
-            const auto upper = std::upper_bound(model.begin(), model.end(), probe);
-            ASSERT_EQ(hit, lower != upper ? 1 : 0) << "n " << n << " probe " << probe;
-            if (hit) {
-                EXPECT_EQ(at(a, idx)->key, probe);
-                EXPECT_EQ(a.findIndexOfLastKey(&p, idx), static_cast<unsigned>(upper - model.begin()) - 1);
-            } else {
-                EXPECT_EQ(idx, static_cast<unsigned>(lower - model.begin())) << "n " << n << " probe " << probe;
-            }
+            expectSearch(model, probe, [&](int, unsigned* i) { return a.findIndexOf(&p, i); },
+                         [&](int, unsigned i) { return a.findIndexOfLastKey(&p, i); });
         }
     }
 }
 
 TEST(ZuSortedArraySearch, SeqFindIndexOfFindsTheFirstEqualEvenUnsorted)
 {
-    Keyed e[] = {{9, 0}, {3, 1}, {5, 2}, {3, 3}};
+    Keyed e[] = {{9, 0}, {3, 1}, {3, 2}, {5, 3}, {3, 4}};
     ZuSortedArray a;
     a.setLazySort(1);
     for (auto& k : e)
@@ -99,7 +97,7 @@ TEST(ZuSortedArraySearch, SeqFindIndexOfFindsTheFirstEqualEvenUnsorted)
     unsigned idx = 999;
     const Keyed three(3), seven(7);
     ASSERT_EQ(a.seqFindIndexOf(&three, &idx), 1);
-    EXPECT_EQ(at(a, idx)->seq, 1);
+    EXPECT_EQ(idx, 1u);
     EXPECT_EQ(a.seqFindIndexOf(&seven, &idx), 0);
 }
 
@@ -109,29 +107,26 @@ TEST(ZuSortedArrayDuplicates, DeleteAndRemoveDuplicatesMatchStdUnique)
     for (bool destroy : {true, false}) {
         Keyed::live = 0;
         ZuSortedArray a;
-        a.setLazySort(destroy ? 0 : 1);  // the unsorted case drops adjacent runs only
+        a.setLazySort(destroy ? 0 : 1);  // unsorted: only adjacent equals go
         std::vector<Keyed*> all;
-        for (int i = 0; i < 60; ++i) {
-            all.push_back(new Keyed(static_cast<int>(rng() % 6), i));
-            ASSERT_EQ(a.add(all.back()), 0);
-        }
+        for (int i = 0; i < 60; ++i)
+            a.add(all.emplace_back(new Keyed(static_cast<int>(rng() % 6), i)));
         std::vector<Keyed*> model;
         for (unsigned i = 0; i < a.getCount(); ++i)
             model.push_back(static_cast<Keyed*>(a.at(i)));
         model.erase(std::unique(model.begin(), model.end(), [](Keyed* x, Keyed* y) { return x->key == y->key; }),
                     model.end());
         destroy ? a.deleteDuplicates() : a.removeDuplicates();
-        ASSERT_EQ(a.getCount(), model.size());
-        for (unsigned i = 0; i < model.size(); ++i)
-            EXPECT_EQ(a.at(i), model[i]) << "index " << i;  // the first of each run stays
+        std::vector<Keyed*> got;
+        for (unsigned i = 0; i < a.getCount(); ++i)
+            got.push_back(static_cast<Keyed*>(a.at(i)));
+        EXPECT_EQ(got, model);  // the first of each run stays
         EXPECT_EQ(Keyed::live, destroy ? static_cast<int>(model.size()) : 60);
-        if (destroy) {
+        if (destroy)
             a.deleteContents();
-        } else {
+        else
             for (Keyed* k : all)
                 delete k;
-        }
-        EXPECT_EQ(Keyed::live, 0);
     }
 }
 
@@ -140,13 +135,12 @@ TEST(ZuSortedArrayModel, RandomAddsMatchMultimapInsertionOrder)
     std::mt19937 rng(4242);
     std::vector<Keyed> keys;
     keys.reserve(1500);
-    std::multimap<int, int> model;  // equal keys go after the existing ones
+    std::multimap<int, int> model;  // an equal key goes after those present
     ZuSortedArray a;
     for (int i = 0; i < 1500; ++i) {
-        keys.emplace_back(static_cast<int>(rng() % 40) - 20, i);
-        ASSERT_EQ(a.add(&keys.back()), 0);
+        ASSERT_EQ(a.add(&keys.emplace_back(static_cast<int>(rng() % 40) - 20, i)), 0);
         model.emplace(keys.back().key, i);
-        std::vector<int> expected;
+        V expected;
         for (const auto& kv : model)
             expected.push_back(kv.second);
         ASSERT_EQ(seqs(a), expected) << "after add " << i;
@@ -156,28 +150,22 @@ TEST(ZuSortedArrayModel, RandomAddsMatchMultimapInsertionOrder)
 TEST(ZuSortedArrayModel, SizeTAddsAndSearchesMatchASortedModelAbove2To63)
 {
     std::mt19937_64 rng(99);
-    const size_t pool[] = {0, 1, (size_t{1} << 63) - 1, size_t{1} << 63, (size_t{1} << 63) + 1, SIZE_MAX - 1, SIZE_MAX};
+    const size_t high = size_t{1} << 63;
+    const size_t pool[] = {0, 1, high - 1, high, high + 1, SIZE_MAX - 1, SIZE_MAX};
     ZuSortedArrayZUSIZE_T a;
     std::vector<size_t> model;
     for (int i = 0; i < 1500; ++i) {
         const size_t v = rng() % 3 == 0 ? rng() : pool[rng() % 7];
         ASSERT_EQ(a.add(v), 0);
         model.insert(std::upper_bound(model.begin(), model.end(), v), v);
-        ASSERT_EQ(a.getCount(), model.size());
-        for (unsigned j = 0; j < model.size(); ++j)
-            ASSERT_EQ(a[j], model[j]) << "after add " << i << " index " << j;
+        std::vector<size_t> got;
+        for (unsigned j = 0; j < a.getCount(); ++j)
+            got.push_back(a[j]);
+        ASSERT_EQ(got, model) << "after add " << i;
     }
-    for (size_t probe : {size_t{2}, size_t{1} << 63, (size_t{1} << 63) + 2, SIZE_MAX}) {
-        unsigned idx = 0;
-        const auto lower = std::lower_bound(model.begin(), model.end(), probe);
-        const auto upper = std::upper_bound(model.begin(), model.end(), probe);
-        if (a.findIndexOf(probe, &idx)) {
-            ASSERT_NE(lower, upper);
-            EXPECT_EQ(a[idx], probe);
-            EXPECT_EQ(a.findIndexOfLastKey(probe, idx), static_cast<unsigned>(upper - model.begin()) - 1);
-        } else {
-            EXPECT_EQ(lower, upper);
-            EXPECT_EQ(idx, static_cast<unsigned>(lower - model.begin()));
-        }
+    for (size_t probe : {size_t{2}, high - 2, high, high + 2, SIZE_MAX}) {
+        SCOPED_TRACE(probe);
+        expectSearch(model, probe, [&](size_t v, unsigned* i) { return a.findIndexOf(v, i); },
+                     [&](size_t v, unsigned i) { return a.findIndexOfLastKey(v, i); });
     }
 }
