@@ -20,6 +20,6 @@ function(hnsyb_subsystem folder)
   target_include_directories(hnsyb_${name} PRIVATE ${PROJECT_SOURCE_DIR}/src)
   target_compile_definitions(hnsyb_${name} PRIVATE HNSYB_BUILDING_LIBRARY
     $<$<BOOL:${HNSYB_FAULT_INJECTION}>:HNSYB_FAULT_INJECTION=1>)
-  target_link_libraries(hnsyb_${name} PRIVATE hnsyb_warnings Threads::Threads)
+  target_link_libraries(hnsyb_${name} PRIVATE hnsyb_warnings Threads::Threads ICU::uc)
   set_property(GLOBAL APPEND PROPERTY HNSYB_OBJECT_LIBS hnsyb_${name})
 endfunction()

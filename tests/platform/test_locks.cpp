@@ -53,17 +53,24 @@ TEST(CriticalSection, ExcludesConcurrentThreads)
     EXPECT_EQ(gStaticSection.isDisabled(), 0);
 }
 
-TEST(CriticalSection, DestroyedSectionIsDisabledNotDangling)
+TEST(CriticalSection, SectionHeldAtDestructionIsLeftAlone)
 {
+    // Exit-time destruction while another thread still holds the section must
+    // neither unlock that thread's mutex nor block.
     alignas(ZuCriticalSection) unsigned char storage[sizeof(ZuCriticalSection)];
     auto* cs = new (storage) ZuCriticalSection;
-    cs->enter();
-    cs->leave();
-    cs->~ZuCriticalSection();
-    // What exit-time code would do after the destructor ran: no lock, no crash.
-    EXPECT_NE(cs->isDisabled(), 0);
-    cs->enter();
-    cs->leave();
+    std::atomic<bool> held{false}, done{false};
+    std::thread holder([&] {
+        cs->enter();
+        held = true;
+        while (!done)
+            std::this_thread::yield();
+    });
+    while (!held)
+        std::this_thread::yield();
+    cs->~ZuCriticalSection();  // returns at once
+    done = true;
+    holder.join();
 }
 
 TEST(LazySemaphore, FirstUsesUnderContentionCreateExactlyOne)
