@@ -53,8 +53,13 @@ ZU_EXPORT long ucnvICUnameToIANAid(const char* name);          // or ZU_CP_ICU_D
 ZU_EXPORT long ucnvUnilibToIANA(long number);                  // or ZU_CP_NONE
 ZU_EXPORT long ucnvWindowsToIANA(long number);                 // or ZU_CP_NONE
 
-// The module's own read-only profile copies.  Lengths as described at
-// ucnvNWGetProfileString.
+// The module's own read-only profile copies, and the same reader over a given
+// text (which ends at textSize or at its first NUL).  A value shorter than `size` comes back whole with
+// its length; a longer one, or one of exactly `size` bytes, is cut to
+// size - 1.  A null section, a missing section or entry and an empty value
+// give the default, cut the same way.  A null entry lists the section's entry
+// names, each closed by a NUL, then a closing NUL; the result is the bytes
+// stored + 1.  A null buffer or a size below 1 takes nothing and gives 0.
 ZU_EXPORT int ucnvGetProfileString(const char* section, const char* entry, const char* defaultValue,
                                    char* buffer, int size);
 ZU_EXPORT int ucnvGetProfileStringInst(const char* section, const char* entry, const char* defaultValue,
@@ -66,6 +71,9 @@ ZU_EXPORT int ucnvNWGetProfileString(const char* text, long textSize, const char
                                      const char* defaultValue, char* buffer, int size);
 
 ZU_EXPORT long ucnvGetAppCodePageFromDSN(const char* dsn);
+// Connection strings: a negative `length` or `units` reads up to the
+// terminator.  A non-null `dsn` is set to null first, then to the first DSN
+// value met, a new string that the caller frees with ucnv_free.
 ZU_EXPORT long ucnvGetAppCodePage(const char* connection, long length, char** dsn);
 ZU_EXPORT long ucnvGetAppCodePageW(const unsigned short* connection, long units, unsigned short** dsn);
 ZU_EXPORT long ucnvAnsiIANAAppCodePage(const char* connection, long length, char** dsn);
