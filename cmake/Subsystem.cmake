@@ -2,7 +2,7 @@
 #   Makes the object library hnsyb_<name> from the .cpp/.c files of
 #   src/<folder> (name: the folder with '/' turned into '_') and records it for
 #   the shared library.  A folder that holds no sources yet makes no target.
-#   Its headers are installed under include/hnsyb/<folder>.
+#   Its headers, but for *_impl.h, are installed under include/hnsyb/<folder>.
 set_property(GLOBAL PROPERTY HNSYB_OBJECT_LIBS "")
 
 function(hnsyb_subsystem folder)
@@ -10,6 +10,8 @@ function(hnsyb_subsystem folder)
   file(GLOB sources CONFIGURE_DEPENDS
        "${PROJECT_SOURCE_DIR}/src/${folder}/*.cpp" "${PROJECT_SOURCE_DIR}/src/${folder}/*.c")
   file(GLOB headers CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/src/${folder}/*.h")
+  # *_impl.h headers are the library's own and are not installed.
+  list(FILTER headers EXCLUDE REGEX "_impl\\.h$")
   if(headers)
     install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/hnsyb/${folder})
   endif()

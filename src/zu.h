@@ -24,5 +24,16 @@
 #include "core/bitarray.h"
 #include "core/error.h"
 #include "core/errorlist.h"
+#include "core/handlecache.h"
+
+// Character encoding
+#include "encoding/cptype.h"
+#include "encoding/codepage.h"
+#include "encoding/ux.h"
+#include "encoding/icucache.h"
+#include "encoding/mbchar.h"
+
+// Data conversion
+#include "conversion/charconverter.h"
 
 #endif

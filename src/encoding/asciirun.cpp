@@ -1,4 +1,4 @@
-#include "asciirun.h"
+#include "asciirun_impl.h"
 
 #include <unicode/ucnv.h>
 

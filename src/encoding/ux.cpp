@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "../platform/ram.h"
-#include "asciirun.h"
+#include "asciirun_impl.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
  * moved is identical to what a converter would have produced.
  * Internal to the library.
  */
-#ifndef HNSYB_ENCODING_ASCIIRUN_H
-#define HNSYB_ENCODING_ASCIIRUN_H
+#ifndef HNSYB_ENCODING_ASCIIRUN_IMPL_H
+#define HNSYB_ENCODING_ASCIIRUN_IMPL_H
 
 #include <unicode/ucnv.h>
 
