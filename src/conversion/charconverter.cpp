@@ -22,6 +22,27 @@ bool viaCpgToCpg(long id)
     }
 }
 
+// Text that needs no conversion: copied, cut to the target when it does not
+// fit, terminated when there is room.  A length of -1 means a terminated
+// source.
+ZuConvertReturn plainCopy(unsigned char* target, long targetSize, const unsigned char* source, long sourceLength,
+                          long* written, long* consumed)
+{
+    if (target == nullptr || source == nullptr || targetSize <= 0)
+        return ZU_CONV_FAILURE;
+    const long length =
+        sourceLength == -1 ? static_cast<long>(std::strlen(reinterpret_cast<const char*>(source))) : sourceLength;
+    const long n = length <= targetSize ? length : targetSize;
+    std::memmove(target, source, static_cast<size_t>(n));
+    if (n < targetSize)
+        target[n] = 0;
+    if (written != nullptr)
+        *written = n;
+    if (consumed != nullptr)
+        *consumed = n;
+    return n < length ? ZU_CONV_TRUNCATED : ZU_CONV_SUCCESS;
+}
+
 // Number of the message "unable to set the callback".
 constexpr unsigned short kCallbackError = 4;
 }  // namespace
@@ -181,19 +202,7 @@ int CharacterConverter::uxAnsiToUTF8(unsigned char* target, long targetSize, con
                                      long sourceLength, long* written, long* consumed, long codePage)
 {
     if (codePage == ZU_CP_UTF8_ID) {
-        if (target == nullptr || source == nullptr || targetSize <= 0)
-            return checkUXreturn(ZU_CONV_FAILURE);
-        const long length = sourceLength == -1 ? static_cast<long>(std::strlen(reinterpret_cast<const char*>(source)))
-                                               : sourceLength;
-        const long n = length <= targetSize ? length : targetSize;
-        std::memmove(target, source, static_cast<size_t>(n));
-        if (n < targetSize)
-            target[n] = 0;
-        if (written != nullptr)
-            *written = n;
-        if (consumed != nullptr)
-            *consumed = n;
-        return checkUXreturn(n < length ? ZU_CONV_TRUNCATED : ZU_CONV_SUCCESS);
+        return checkUXreturn(plainCopy(target, targetSize, source, sourceLength, written, consumed));
     }
     if (codePage == ZU_CP_UTF16BE) {
         long out = 0;
@@ -261,19 +270,7 @@ int CharacterConverter::uxCpgToCpg(unsigned char* target, long targetSize, const
     if (from == to) {
         // One converter cannot stand on both sides of a conversion: the same
         // code page on both sides is a copy.
-        const long length = sourceLength == -1 ? static_cast<long>(std::strlen(reinterpret_cast<const char*>(source)))
-                                               : sourceLength;
-        if (target == nullptr || source == nullptr || targetSize <= 0)
-            return checkUXreturn(ZU_CONV_FAILURE);
-        const long n = length <= targetSize ? length : targetSize;
-        std::memmove(target, source, static_cast<size_t>(n));
-        if (n < targetSize)
-            target[n] = 0;
-        if (written != nullptr)
-            *written = n;
-        if (consumed != nullptr)
-            *consumed = n;
-        return checkUXreturn(n < length ? ZU_CONV_TRUNCATED : ZU_CONV_SUCCESS);
+        return checkUXreturn(plainCopy(target, targetSize, source, sourceLength, written, consumed));
     }
     return finish(::uxCpgToCpg(target, targetSize, source, sourceLength, written, consumed, from, to));
 }
