@@ -36,4 +36,10 @@
 // Data conversion
 #include "conversion/charconverter.h"
 
+// Network and security services
+#include "net/crc32.h"
+#include "net/md5.h"
+#include "net/des.h"
+#include "net/textcipher.h"
+
 #endif
