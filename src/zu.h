@@ -15,6 +15,8 @@
 #include "platform/critsec.h"
 #include "platform/semaphore.h"
 #include "platform/thread.h"
+#include "platform/trace.h"
+#include "platform/catalog.h"
 
 // Core library
 #include "core/object.h"
@@ -25,6 +27,21 @@
 #include "core/error.h"
 #include "core/errorlist.h"
 #include "core/handlecache.h"
+#include "core/but.h"
+#include "core/strcmp.h"
+#include "core/strcopy.h"
+#include "core/strfind.h"
+#include "core/strlike.h"
+#include "core/strtoken.h"
+#include "core/strhex.h"
+#include "core/accelerator.h"
+#include "core/substring.h"
+#include "core/zustring.h"
+#include "core/paramstring.h"
+#include "core/set.h"
+#include "core/dictionary.h"
+#include "core/replacestring.h"
+#include "core/substringupper.h"
 
 // Character encoding
 #include "encoding/cptype.h"

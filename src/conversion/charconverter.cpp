@@ -267,11 +267,8 @@ int CharacterConverter::uxCpgToCpg(unsigned char* target, long targetSize, const
     // before asking for the second.
     if (getHandle(fromCodePage, &from) != 0 || getHandle(toCodePage, &to) != 0)
         return 1;
-    if (from == to) {
-        // One converter cannot stand on both sides of a conversion: the same
-        // code page on both sides is a copy.
-        return checkUXreturn(plainCopy(target, targetSize, source, sourceLength, written, consumed));
-    }
+    // The same code page on both sides is one converter on both sides: ICU
+    // keeps its to- and from-Unicode states apart, and the input is checked.
     return finish(::uxCpgToCpg(target, targetSize, source, sourceLength, written, consumed, from, to));
 }
 

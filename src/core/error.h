@@ -19,7 +19,11 @@
 
 #include <cstdint>
 
+#include <unicode/ucnv.h>
+
+#include "../encoding/cptype.h"
 #include "list.h"
+#include "paramstring.h"
 
 class ZuErrorList;
 
@@ -37,8 +41,19 @@ public:
     static constexpr uint32_t FlagMemory = 1u << 29;
     static constexpr uint32_t FlagDummy = 1u << 28;
 
-    // An error of `number`, a warning when type is ErrTypeWarning.
+    // An error of `number` whose message is the catalog's text for that
+    // number; a warning when type is ErrTypeWarning.
     ZuError(unsigned short number, int type, unsigned short stateId = 0, int32_t native = 0);
+    // An error with a given text: narrow in a zuCPType, narrow through a
+    // converter or a code page number (the error then counts as UTF-8 for
+    // its parameters), or 16-bit.
+    ZuError(unsigned short number, const char* text, zuCPType cpType, int type, unsigned short stateId,
+            int32_t native);
+    ZuError(unsigned short number, const char* text, UConverter* converter, int type, unsigned short stateId,
+            int32_t native);
+    ZuError(unsigned short number, const char* text, long codePage, int type, unsigned short stateId,
+            int32_t native);
+    ZuError(unsigned short number, const unsigned short* text, int type, unsigned short stateId, int32_t native);
     // The static errors: ErrMemoryError or ErrDummyError.
     explicit ZuError(ErrSpecialError which);
     ~ZuError() override;
@@ -60,14 +75,43 @@ public:
     void setWarning();
     void resetWarning();
 
+    // The message; narrow in the error's code page type.  Both belong to the
+    // error.  The memory error gives "Out Of Memory".
+    const char* getErrorText();
+    const unsigned short* getErrorTextW();
+    // Appends text to the message; the placeholders of the appended text
+    // count from 1 again.
+    void appendText(const char* text);
+    void appendText(const unsigned short* text);
+    // Fills the next numbered placeholder.  On the dummy error, or after a
+    // failure, nothing happens (a failure hands back the list's dummy).
+    ZuError& operator<<(const unsigned short* text);
+    ZuError& operator<<(const char* text);
+    ZuError& operator<<(unsigned long number);
+    ZuError& operator<<(long number);
+    ZuError& operator<<(int number) { return *this << static_cast<long>(number); }
+    ZuError& operator<<(const ZuSubString& view);
+    ZuError& operator<<(const ZuSubStringW& view);
+    // The SQL state as narrow text ("HY000" when none is known).
+    const char* getInterfaceCode();
+    // Sets the five-letter state.
+    void setState(const char* state);
+    // Report order: row, then 08S01, 01S01, classes 03 to HZ, class IM.
+    int compare(const ZuObject* other) const override;
+    int getCPType() const { return cpType_; }
 private:
     friend class ZuErrorList;
+    void setMessage(const char* text, zuCPType cpType);
+    void lookUpMessage();
+    ZuError& addParameter(const char* text, unsigned long length);
+    void stateOf(char state[6], const unsigned short* text) const;
 
     ZuErrorList* owner_ = nullptr;
     int32_t native_ = 0;
     unsigned short number_ = 0;
     unsigned short stateId_ = 0;
     int cpType_ = 1;
+    ZuParamStringW message_;
     char interfaceCode_[6] = {};
     unsigned short stateText_[6] = {};
     int32_t row_ = -1;

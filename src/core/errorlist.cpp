@@ -1,5 +1,8 @@
 #include "errorlist.h"
 
+#include <cstring>
+
+#include "../platform/catalog.h"
 #include "../platform/mds.h"
 #include "../platform/ram.h"
 
@@ -15,6 +18,12 @@ ZuErrorList::ZuErrorList(void* owner, int keepAll) : owner_(owner)
 
 ZuErrorList::~ZuErrorList()
 {
+    // A list destroyed while still current gives the thread its previous
+    // list back, so that no later report writes into freed memory.
+    if (slot_ != nullptr && *slot_ == this) {
+        *slot_ = previous_;
+        mdsPerThreadTerm();
+    }
     listFlags_ &= ~FlagMemoryPending;
     for (unsigned i = 0; i < getCount(); ++i) {
         auto* e = static_cast<ZuError*>(at(i));
@@ -27,6 +36,30 @@ ZuErrorList::~ZuErrorList()
 
 ZuError* ZuErrorList::getMemoryError() { return &MemoryError; }
 ZuError* ZuErrorList::getDummyError() { return &DummyError; }
+
+ZuError* ZuErrorList::allocError(unsigned short number, const char* text, zuCPType cpType, int type,
+                                 unsigned short stateId, int32_t native)
+{
+    return new ZuError(number, text, cpType, type, stateId, native);
+}
+
+ZuError* ZuErrorList::allocError(unsigned short number, const char* text, long codePage, int type,
+                                 unsigned short stateId, int32_t native)
+{
+    return new ZuError(number, text, codePage, type, stateId, native);
+}
+
+ZuError* ZuErrorList::allocError(unsigned short number, const char* text, UConverter* converter, int type,
+                                 unsigned short stateId, int32_t native)
+{
+    return new ZuError(number, text, converter, type, stateId, native);
+}
+
+ZuError* ZuErrorList::allocError(unsigned short number, const unsigned short* text, int type,
+                                 unsigned short stateId, int32_t native)
+{
+    return new ZuError(number, text, type, stateId, native);
+}
 
 int ZuErrorList::add(ZuError* error)
 {
@@ -94,9 +127,18 @@ int ZuErrorList::getErrorsMix() const
 
 void ZuErrorList::addMemoryError()
 {
+    // In a one-error list the error held is replaced; it is taken from the
+    // array itself, as a pending memory error would otherwise be taken first.
     if (!isKeepAll() && getCount() > 0) {
-        ZuError* last = takeOut(getCount() - 1);
-        if (last != nullptr && !last->isStatic())
+        auto* last = static_cast<ZuError*>(at(getCount() - 1));
+        ZuSortedArray::removeAtIndex(getCount() - 1);
+        position_ = 0;
+        if (last->isWarning())
+            --warningCount_;
+        else
+            --errorCount_;
+        last->owner_ = nullptr;
+        if (!last->isStatic())
             delete last;
     }
     if (!isMemoryErrorPending()) {
@@ -158,6 +200,74 @@ void ZuErrorList::setWarningAfterPos(unsigned position)
 {
     for (unsigned i = position; i < getCount(); ++i)
         static_cast<ZuError*>(at(i))->setWarning();
+}
+
+void ZuErrorList::changeErrorsToWarnings()
+{
+    if (isMemoryErrorPending()) {
+        static const unsigned short text[] = {'O', 'u', 't', ' ', 'O', 'f', ' ', 'M', 'e', 'm', 'o', 'r', 'y', 0};
+        ZuError* warning = allocError(2, text, ErrTypeWarning, 0, 0);
+        listFlags_ &= ~FlagMemoryPending;
+        --errorCount_;
+        // Memory may have run out again while the warning was made: then the
+        // bit is set once more and the new error is dropped.
+        if (warning != nullptr) {
+            if (isMemoryErrorPending() || add(warning) != 0)
+                delete warning;
+        }
+    }
+    for (unsigned i = 0; i < getCount(); ++i)
+        static_cast<ZuError*>(at(i))->setWarning();
+}
+
+int ZuErrorList::concatErrors(ZuString* string, const char* separator)
+{
+    const unsigned long sepLength = separator == nullptr ? 0 : std::strlen(separator);
+    bool first = true;
+    for (ZuError* e = getFirstNode(); e != nullptr; e = getNextNode()) {
+        const char* text = e->getErrorText();
+        const unsigned long n = std::strlen(text);
+        if (string->resize(string->getLength() + 1 + sepLength + n) != 0)
+            return 1;
+        if (!first)
+            string->concat(separator, sepLength);
+        string->concat(text, n);
+        first = false;
+    }
+    return 0;
+}
+
+void ZuErrorList::copyErrorsFromList(ZuErrorList* source)
+{
+    if (source == nullptr || source == this)
+        return;
+    if (source->isMemoryErrorPending() && !isMemoryErrorPending()) {
+        listFlags_ |= FlagMemoryPending;
+        ++errorCount_;
+    }
+    for (unsigned i = 0; i < source->getCount(); ++i) {
+        auto* e = static_cast<ZuError*>(source->at(i));
+        ZuError* copy = allocError(e->getErrorNumber(), e->getErrorTextW(), e->isWarning() ? ErrTypeWarning : 0,
+                                   e->getStateId(), e->getNativeError());
+        if (copy != nullptr && add(copy) != 0)
+            delete copy;
+    }
+}
+
+void ZuErrorList::appendTextStartingAtPos(unsigned position, const unsigned short* text)
+{
+    if (ZuError* e = getNodeAtPos(position))
+        e->appendText(text);
+}
+
+void ZuErrorList::moveLastErrorToPos(unsigned position)
+{
+    if (getCount() < 2 || position >= getCount())
+        return;
+    ZuObject* last = at(getCount() - 1);
+    ZuSortedArray::removeAtIndex(getCount() - 1);
+    addAtIndex(last, position);
+    position_ = 0;
 }
 
 // ---- ZuErrorKeeper ---------------------------------------------------------
@@ -288,4 +398,66 @@ void* ZuErrorKeeper::getOwnerOfList()
     return list == nullptr ? nullptr : list->getOwnerOfList();
 }
 
+void ZuErrorKeeper::appendTextToLastError(const char* text)
+{
+    if (ZuError* e = getLastError())
+        e->appendText(text);
+}
+
+void ZuErrorKeeper::appendTextToLastError(const unsigned short* text)
+{
+    if (ZuError* e = getLastError())
+        e->appendText(text);
+}
+
 void ramAddMemoryError() { ZuErrorKeeper::addMemoryError(); }
+
+// ---- Free functions --------------------------------------------------------
+
+namespace {
+// The text of message `number`, from the catalog.
+struct MessageText {
+    unsigned short units[1025];
+    explicit MessageText(unsigned short number) { winGetString(units, number); }
+};
+}  // namespace
+
+ZuError& addError(unsigned short number) { return *ZuErrorKeeper::addError(new ZuError(number, ErrTypeError)); }
+
+ZuError& addWarning(unsigned short number) { return *ZuErrorKeeper::addError(new ZuError(number, ErrTypeWarning)); }
+
+ZuError& addError(unsigned short number, const unsigned short* text)
+{
+    return *ZuErrorKeeper::addError(new ZuError(number, text, ErrTypeError, 0, 0));
+}
+
+ZuError& addError(unsigned short number, const char* text)
+{
+    return *ZuErrorKeeper::addError(new ZuError(number, text, ZU_CP_LOCALE, ErrTypeError, 0, 0));
+}
+
+ZuError& addDatabaseError(unsigned short number, int32_t native, const char* text, int type, zuCPType cpType)
+{
+    return *ZuErrorKeeper::addError(new ZuError(number, text, cpType, type, 0, native));
+}
+
+ZuError& appendTextToLastError(unsigned short number)
+{
+    ZuError* e = ZuErrorKeeper::getLastError();
+    if (e == nullptr)
+        return DummyError;
+    MessageText text(number);
+    e->appendText(text.units);
+    return *e;
+}
+
+ZuError& appendTextToErrorAtPos(unsigned short number, unsigned position)
+{
+    ZuErrorList* list = ZuErrorKeeper::getErrorList();
+    ZuError* e = list == nullptr ? nullptr : list->getNodeAtPos(position);
+    if (e == nullptr)
+        return DummyError;
+    MessageText text(number);
+    e->appendText(text.units);
+    return *e;
+}

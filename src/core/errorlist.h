@@ -19,6 +19,7 @@
 
 #include "error.h"
 #include "sortedarray.h"
+#include "zustring.h"
 
 class ZU_EXPORT ZuErrorList : public ZuSortedArray {
 public:
@@ -30,6 +31,15 @@ public:
 
     virtual ZuError* getMemoryError();
     virtual ZuError* getDummyError();
+    // New errors of the four text forms (null when memory runs out).
+    virtual ZuError* allocError(unsigned short number, const char* text, zuCPType cpType, int type,
+                                unsigned short stateId, int32_t native);
+    virtual ZuError* allocError(unsigned short number, const char* text, long codePage, int type,
+                                unsigned short stateId, int32_t native);
+    virtual ZuError* allocError(unsigned short number, const char* text, UConverter* converter, int type,
+                                unsigned short stateId, int32_t native);
+    virtual ZuError* allocError(unsigned short number, const unsigned short* text, int type,
+                                unsigned short stateId, int32_t native);
 
     // Appends, takes ownership, counts the error or the warning.  0 or 1.
     int add(ZuError* error);
@@ -66,6 +76,19 @@ public:
     void moveErrorsFromList(ZuErrorList* source);
     // Turns the errors from `position` on into warnings.
     void setWarningAfterPos(unsigned position);
+    // Every error becomes a warning; a pending memory error becomes a real
+    // warning (number 2, "Out Of Memory") first.
+    void changeErrorsToWarnings();
+    // The narrow texts of all errors, separated, appended to `string`.
+    // 1 when the string could not grow.
+    int concatErrors(ZuString* string, const char* separator);
+    // Copies of every error of `source` (which is left alone), and its
+    // pending memory error.
+    void copyErrorsFromList(ZuErrorList* source);
+    // Appends message `number`'s text to the error at `position`.
+    void appendTextStartingAtPos(unsigned position, const unsigned short* text);
+    // Moves the last error to `position`.
+    void moveLastErrorToPos(unsigned position);
 
 private:
     friend class ZuError;
@@ -107,6 +130,21 @@ public:
     static void clearLastError();
     static void addMemoryError();
     static void* getOwnerOfList();
+    static void appendTextToLastError(const char* text);
+    static void appendTextToLastError(const unsigned short* text);
 };
+
+// The calling thread's list.  Each returns the error kept, or DummyError,
+// so that parameters can always be chained: addError(1523) << path << text.
+ZU_EXPORT ZuError& addError(unsigned short number);
+ZU_EXPORT ZuError& addError(unsigned short number, const unsigned short* text);
+ZU_EXPORT ZuError& addError(unsigned short number, const char* text);
+ZU_EXPORT ZuError& addWarning(unsigned short number);
+ZU_EXPORT ZuError& addDatabaseError(unsigned short number, int32_t native, const char* text, int type,
+                                    zuCPType cpType);
+// Looks message `number` up and appends it to the last error / the error at
+// `position` (DummyError when there is none).
+ZU_EXPORT ZuError& appendTextToLastError(unsigned short number);
+ZU_EXPORT ZuError& appendTextToErrorAtPos(unsigned short number, unsigned position);
 
 #endif

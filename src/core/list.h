@@ -47,6 +47,9 @@ public:
     // a position past the count appends.
     void insertAtPos(ZuNode* node, unsigned position);
     // 0 when the node was in the list and is now out of it; 1 otherwise.
+    // (ZuList searches for the node; ZuDList has its predecessor at hand and
+    // only refuses a node that is in no list: unlinking a node of another
+    // list from this one is the caller's error.)
     int unlink(ZuNode* node);
     void deleteNodes();
     ZuNode* getLastNode() const { return last_; }

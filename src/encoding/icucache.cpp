@@ -20,6 +20,9 @@ int ZuICUHandleCache::findRow(long codePage) const
     return -1;
 }
 
+// Prepares the next free row for the code page; it counts (used_) only
+// once a converter of its code page has opened, so that code pages this ICU
+// cannot open do not use up the rows.
 int ZuICUHandleCache::takeRow(long codePage)
 {
     if (used_ >= capacity_)
@@ -28,7 +31,7 @@ int ZuICUHandleCache::takeRow(long codePage)
     r = Row{};
     r.codePage = codePage;
     r.name = ucnvIANAidToICUname(codePage);
-    return used_++;
+    return used_;
 }
 
 int ZuICUHandleCache::getIdleCount(long codePage) const
@@ -93,6 +96,8 @@ UConverter* ZuICUHandleCache::getHandleForKey(long codePage, ICUSubstitutionErro
     if (c != nullptr && r.maxBytes == 0) {
         r.maxBytes = ucnv_getMaxCharSize(c);
         r.minBytes = ucnv_getMinCharSize(c);
+        if (row == used_)
+            ++used_;  // the first open of a row makes it count
     }
     return c;
 }
@@ -124,11 +129,19 @@ void ZuICUHandleCache::getCharSizes(long codePage, int* maxSize, int* minSize)
         mx = rows_[row].maxBytes;
         mn = rows_[row].minBytes;
     } else if (used_ < capacity_ || row >= 0) {
+        // A code page that does not open gives the defaults quietly: asking
+        // for sizes reports nothing.
+        UErrorCode status = U_ZERO_ERROR;
+        UConverter* probe = ucnv_open(ucnvIANAidToICUname(codePage), &status);
+        const bool opens = U_SUCCESS(status);
+        ucnv_close(probe);
         ICUSubstitutionErrorInfo* info = nullptr;
-        if (UConverter* c = getHandleForKey(codePage, &info)) {
-            mx = ucnv_getMaxCharSize(c);
-            mn = ucnv_getMinCharSize(c);
-            addAssoc(codePage, c, info);  // kept idle for the next user
+        if (opens) {
+            if (UConverter* c = getHandleForKey(codePage, &info)) {
+                mx = ucnv_getMaxCharSize(c);
+                mn = ucnv_getMinCharSize(c);
+                addAssoc(codePage, c, info);  // kept idle for the next user
+            }
         }
     } else {
         UErrorCode status = U_ZERO_ERROR;

@@ -30,6 +30,16 @@ void setOut(long* out, long value)
 
 bool isAligned(const void* p, size_t a) { return (reinterpret_cast<uintptr_t>(p) & (a - 1)) == 0; }
 
+// The result of a from-Unicode step.  When the substitution callback lets a
+// conversion fail at a character the target code page cannot hold, ICU says
+// "invalid character" (10); to the caller that is the character it could
+// not take, result 2, as for an illegal one.  Everywhere else status 10 (for
+// example ill-formed UTF-8 given to ICU's UTF-8 functions) is a failure.
+ZuConvertReturn mapFromUnicode(UErrorCode status)
+{
+    return status == U_INVALID_CHAR_FOUND ? ZU_CONV_ILLEGAL_CHAR : mapICUreturn(status);
+}
+
 // Code page -> UTF-16 -> code page through a stack buffer of kPivotUnits.
 // The buffer filling up is no error: it is emptied into the target and the
 // loop goes on.  Leaves both converters reset when it fails.
@@ -58,7 +68,7 @@ ZuConvertReturn pivotLoop(char*& t, char* tEnd, const char*& s, const char* sEnd
         if (U_FAILURE(status)) {
             ucnv_resetToUnicode(from);
             ucnv_resetFromUnicode(to);
-            return mapICUreturn(status);
+            return mapFromUnicode(status);
         }
         if (!pivotFull && s >= sEnd)
             return ZU_CONV_SUCCESS;
@@ -374,7 +384,7 @@ ZuConvertReturn uxUCS2ToAnsi(unsigned char* target, long targetSize, unsigned sh
     setOut(consumed, used);
     if (out < targetSize)
         target[out] = 0;
-    return mapICUreturn(status);
+    return mapFromUnicode(status);
 }
 
 ZuConvertReturn uxUCS2ToAnsi(unsigned char* target, long targetSize, unsigned short* source, long sourceUnits,

@@ -18,6 +18,12 @@
  * the same bytes as ICU would: over converters that map the 7-bit range to
  * itself and keep no shift state (not EBCDIC, not ISO-2022, not UTF-16).
  *
+ * `consumed` tells how far the source was read.  Where ICU takes over, text
+ * goes through an intermediate UTF-16 buffer of 2,000 units; when the target
+ * fills, `consumed` counts what reached that buffer and may run ahead of
+ * what was written.  A caller that must know the exact need uses the
+ * counting forms below.
+ *
  * No normal path allocates: the intermediate UTF-16 buffers are on the
  * stack.  The one exception is an odd-aligned UTF-16 source above 4,000
  * units, which is copied to the heap (failure: ZU_CONV_FAILURE).

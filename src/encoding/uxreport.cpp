@@ -21,12 +21,6 @@ ZuConvertReturn mapICUreturn(UErrorCode status)
     case U_BUFFER_OVERFLOW_ERROR:
         return ZU_CONV_TRUNCATED;
     case U_ILLEGAL_CHAR_FOUND:
-    // ICU reports a character that the target cannot hold, when the callback
-    // lets the conversion fail, as "invalid" rather than "illegal"; for the
-    // caller both mean that conversion stopped at a character it could not
-    // take, which is result 2.  (Only this mapping is widened: the direct
-    // report of checkICUreturn keeps treating status 10 as a failure.)
-    case U_INVALID_CHAR_FOUND:
         return ZU_CONV_ILLEGAL_CHAR;
     case U_INVALID_TABLE_FORMAT:
     case U_INVALID_TABLE_FILE:

@@ -12,6 +12,32 @@ ZuSemaphore* const kUnderCreation = reinterpret_cast<ZuSemaphore*>(uintptr_t{1})
 ZuSemaphore* const kDestroyed = reinterpret_cast<ZuSemaphore*>(uintptr_t{2});
 
 bool isRealSemaphore(ZuSemaphore* value) { return reinterpret_cast<uintptr_t>(value) > 2; }
+
+// Slots this thread entered without a semaphore (creation failed for lack
+// of memory).  If another thread creates the semaphore meanwhile, the exit
+// of such an entry must not post it: that would raise its count to 2 and
+// end mutual exclusion for good.
+constexpr int kUnguarded = 8;
+thread_local ZuSemaphore** tUnguarded[kUnguarded];
+
+void rememberUnguarded(ZuSemaphore** slot)
+{
+    for (ZuSemaphore**& entry : tUnguarded)
+        if (entry == nullptr) {
+            entry = slot;
+            return;
+        }
+}
+
+bool forgetUnguarded(ZuSemaphore** slot)
+{
+    for (ZuSemaphore**& entry : tUnguarded)
+        if (entry == slot) {
+            entry = nullptr;
+            return true;
+        }
+    return false;
+}
 }  // namespace
 
 ZuPosixSemaphore::~ZuPosixSemaphore() = default;
@@ -58,6 +84,7 @@ void zuSemaphoreEnter(ZuSemaphore** slot)
         auto* created = new ZuSemaphore(slot, kind);
         if (created == nullptr) {
             ref.store(value, std::memory_order_release);
+            rememberUnguarded(slot);
             return;
         }
         ref.store(created, std::memory_order_release);
@@ -68,6 +95,8 @@ void zuSemaphoreEnter(ZuSemaphore** slot)
 
 void zuSemaphoreExit(ZuSemaphore** slot)
 {
+    if (forgetUnguarded(slot))
+        return;
     ZuSemaphore* value = std::atomic_ref<ZuSemaphore*>(*slot).load(std::memory_order_acquire);
     if (isRealSemaphore(value))
         value->post();

@@ -182,7 +182,7 @@ TEST(Utf16Transforms, MalformedUtf8IsRefusedWithoutOverrun)
         std::vector<unsigned short> out(8);
         long written = 0;
         EXPECT_EQ(uxUTF8ToUTF16(out.data(), 8, u8(bad), static_cast<long>(std::strlen(bad)), &written, 0),
-                  ZU_CONV_ILLEGAL_CHAR) << bad;
+                  ZU_CONV_FAILURE) << bad;
     }
 }
 
