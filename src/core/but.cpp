@@ -6,6 +6,9 @@
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
 
 #include "../platform/ram.h"
 
@@ -19,14 +22,25 @@
 #endif
 #endif
 
+#if defined(__SANITIZE_THREAD__)
+#define HNSYB_TSAN 1
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define HNSYB_TSAN 1
+#endif
+#endif
+
+// The terminator scan of BUTSTLEN reads whole aligned words, and the word
+// holding the terminator usually runs past the end of the string's block.
+// That read is harmless (an aligned word never crosses a page), but the
+// sanitizers would report it: the scan is left uninstrumented, and under
+// AddressSanitizer the bytes that really belong to the string are checked
+// afterwards (see BUTSTLEN).
 #if defined(HNSYB_ASAN)
-// The terminator scan of BUTSTLEN reads whole aligned 16-byte words, and the
-// word holding the terminator usually runs past the end of the string's
-// block.  That read is harmless (an aligned word never crosses a page), but
-// ASan would report it; the scan is left uninstrumented and the bytes that
-// really belong to the string are checked afterwards (see BUTSTLEN).
 #define HNSYB_WORD_SCAN __attribute__((no_sanitize_address))
 #include <sanitizer/asan_interface.h>
+#elif defined(HNSYB_TSAN)
+#define HNSYB_WORD_SCAN __attribute__((no_sanitize_thread))
 #else
 #define HNSYB_WORD_SCAN
 #endif
@@ -104,6 +118,66 @@ HNSYB_WORD_SCAN unsigned long scanLength(const char* text)
 }
 #endif
 
+#if defined(__x86_64__)
+// The same scans with 32-byte words on processors that have them, chosen
+// once at run time.  Aligned 32-byte loads, strides kept to aligned 128-byte
+// blocks: no read leaves the page of the string's last byte.
+__attribute__((target("avx2"))) HNSYB_WORD_SCAN unsigned long scanLengthWide(const char* text)
+{
+    const auto start = reinterpret_cast<std::uintptr_t>(text);
+    const unsigned offset = static_cast<unsigned>(start & 31);
+    const auto* word = reinterpret_cast<const __m256i*>(start - offset);
+    const __m256i zero = _mm256_setzero_si256();
+#define zeros(w) static_cast<unsigned>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(_mm256_load_si256(w), zero)))
+    unsigned mask = zeros(word) >> offset;
+    if (mask != 0)
+        return static_cast<unsigned long>(__builtin_ctz(mask));
+    for (++word; (reinterpret_cast<std::uintptr_t>(word) & 127) != 0; ++word)
+        if ((mask = zeros(word)) != 0)
+            return static_cast<unsigned long>(reinterpret_cast<const char*>(word) - text) + __builtin_ctz(mask);
+    for (;; word += 4) {
+        const __m256i least = _mm256_min_epu8(_mm256_min_epu8(_mm256_load_si256(word), _mm256_load_si256(word + 1)),
+                                              _mm256_min_epu8(_mm256_load_si256(word + 2), _mm256_load_si256(word + 3)));
+        if (_mm256_movemask_epi8(_mm256_cmpeq_epi8(least, zero)) != 0)
+            break;
+    }
+    for (;; ++word)
+        if ((mask = zeros(word)) != 0)
+            return static_cast<unsigned long>(reinterpret_cast<const char*>(word) - text) + __builtin_ctz(mask);
+#undef zeros
+}
+
+// Equality of two blocks of at least 32 bytes; the tail is the last whole
+// word, overlapping the one before.
+__attribute__((target("avx2"))) int equalWide(const unsigned char* x, const unsigned char* y, std::size_t count)
+{
+#define load(p) _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))
+    std::size_t i = 0;
+    for (; i + 128 <= count; i += 128) {
+        const __m256i d = _mm256_or_si256(_mm256_or_si256(_mm256_xor_si256(load(x + i), load(y + i)),
+                                                          _mm256_xor_si256(load(x + i + 32), load(y + i + 32))),
+                                          _mm256_or_si256(_mm256_xor_si256(load(x + i + 64), load(y + i + 64)),
+                                                          _mm256_xor_si256(load(x + i + 96), load(y + i + 96))));
+        if (!_mm256_testz_si256(d, d))
+            return 0;
+    }
+    for (; i + 32 <= count; i += 32) {
+        const __m256i d = _mm256_xor_si256(load(x + i), load(y + i));
+        if (!_mm256_testz_si256(d, d))
+            return 0;
+    }
+    if (i < count) {
+        const __m256i d = _mm256_xor_si256(load(x + count - 32), load(y + count - 32));
+        if (!_mm256_testz_si256(d, d))
+            return 0;
+    }
+#undef load
+    return 1;
+}
+
+const bool kWide = __builtin_cpu_supports("avx2");
+#endif
+
 template <typename Unit>
 unsigned long unitLength(const Unit* text)
 {
@@ -116,7 +190,11 @@ unsigned long unitLength(const Unit* text)
 
 unsigned long BUTSTLEN(const char* text)
 {
+#if defined(__x86_64__)
+    const unsigned long length = kWide ? scanLengthWide(text) : scanLength(text);
+#else
     const unsigned long length = scanLength(text);
+#endif
 #if defined(HNSYB_ASAN)
     // The string itself, terminator included, must lie in addressable memory.
     if (__asan_region_is_poisoned(const_cast<char*>(text), length + 1) != nullptr)
@@ -257,6 +335,10 @@ int memEqual(const void* a, const void* b, std::size_t count)
 {
     const auto* x = static_cast<const unsigned char*>(a);
     const auto* y = static_cast<const unsigned char*>(b);
+#if defined(__x86_64__)
+    if (count >= 256 && kWide)
+        return equalWide(x, y, count);
+#endif
 #if defined(__SSE2__)
     if (count >= 16) {
         std::size_t i = 0;

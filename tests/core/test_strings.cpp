@@ -116,6 +116,20 @@ TEST(ByteOps, BlockCompareAndEqualityAgreeWithMemcmp)
             }
         }
     }
+    // Long blocks take the widest loops: a single difference anywhere, the
+    // overlapping tail included, is seen.
+    for (std::size_t len : {255u, 256u, 257u, 300u, 383u, 384u, 511u, 1000u}) {
+        Block x(len + 1), y(len);
+        const std::string s = randomBytes(rng, len, kHighMix);
+        std::memcpy(x.p + 1, s.data(), len);
+        std::memcpy(y.p, s.data(), len);
+        ASSERT_EQ(memEqual(x.p + 1, y.p, len), 1) << len;
+        for (std::size_t at = 0; at < len; ++at) {
+            y.p[at] ^= 0x01;
+            ASSERT_EQ(memEqual(x.p + 1, y.p, len), 0) << len << " " << at;
+            y.p[at] ^= 0x01;
+        }
+    }
     std::vector<unsigned char> big(70000, 0xAB), other(big);
     other[69999] = 0xAC;
     EXPECT_EQ(memEqual(big.data(), other.data(), big.size()), 0);
