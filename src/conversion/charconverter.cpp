@@ -1,3 +1,4 @@
+#include "../encoding/uxreport_impl.h"
 #include "charconverter.h"
 
 #include <cstring>
@@ -104,8 +105,7 @@ int CharacterConverter::getHandle(long codePage, UConverter** handle)
         c = ucnv_open(codePage == 0 ? nullptr : ucnvIANAidToICUname(codePage), &status);
         if (U_FAILURE(status)) {
             ucnv_close(c);
-            checkICUreturn(status);
-            return 1;
+            return reportOpenFailure(status, codePage);
         }
         if (prepare(c) != 0 || intHandles->addAssoc(codePage, c) != 0) {
             ucnv_close(c);

@@ -1,3 +1,4 @@
+#include "../encoding/uxreport_impl.h"
 #include "zustring.h"
 
 #include <unicode/ustring.h>
@@ -445,8 +446,7 @@ int ZuStringW::initialize(const char* text, unsigned long length, long codePage)
     UConverter* c = ucnv_open(ucnvIANAidToICUname(codePage), &status);
     if (U_FAILURE(status)) {
         ucnv_close(c);
-        checkICUreturn(status);
-        return 1;
+        return reportOpenFailure(status, codePage);
     }
     const int rc = initialize(text, length, c);
     ucnv_close(c);

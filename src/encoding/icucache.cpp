@@ -1,3 +1,4 @@
+#include "uxreport_impl.h"
 #include "icucache.h"
 
 #include <cstdio>
@@ -46,13 +47,7 @@ UConverter* ZuICUHandleCache::openFor(long codePage, const char* name, ICUSubsti
     UConverter* c = ucnv_open(name, &status);
     if (U_FAILURE(status)) {
         ucnv_close(c);
-        if (status == U_FILE_ACCESS_ERROR) {
-            // The message names the code page by its number.
-            ZuErrorKeeper::addError(new ZuError(ZU_MSG_CONV_NO_TABLE, ErrTypeError, ZU_STATE_HY000));
-            (void)codePage;
-        } else {
-            checkICUreturn(status);
-        }
+        reportOpenFailure(status, codePage);
         return nullptr;
     }
     ICUSubstitutionErrorInfo* context = nullptr;

@@ -1,5 +1,8 @@
 // ICU status to conversion result, reporting to the thread's error list, and
 // the substitution callback.
+#include <cstdio>
+
+#include "uxreport_impl.h"
 #include "../core/errorlist.h"
 #include "ux.h"
 
@@ -77,6 +80,22 @@ int checkUXreturn(ZuConvertReturn result)
         report(ZU_MSG_CONV_FAILED, false, ZU_STATE_HY000);
         return 1;
     }
+}
+
+int reportOpenFailure(UErrorCode status, long codePage)
+{
+    if (status != U_FILE_ACCESS_ERROR) {
+        checkICUreturn(status);
+        return 1;
+    }
+    auto* e = new ZuError(ZU_MSG_CONV_NO_TABLE, ErrTypeError, ZU_STATE_HY000);
+    if (e != nullptr) {
+        char number[24];
+        std::snprintf(number, sizeof number, "%ld", codePage);
+        e->appendText(number);
+    }
+    ZuErrorKeeper::addError(e);
+    return 1;
 }
 
 long setConversionReturnLength(ZuConvertReturn result, long length)

@@ -16,6 +16,7 @@
 #include "encoding/codepage.h"
 #include "encoding/icucache.h"
 #include "encoding/ux.h"
+#include "platform/catalog.h"
 #include "support/subprocess.h"
 
 namespace {
@@ -141,6 +142,9 @@ TEST(ReferenceConversion, NamesIcuCannotOpenTakeTheErrorPath)
 {
     ZuErrorList errors(nullptr, 1);
     ZuErrorKeeper::setErrorList(&errors);
+    ASSERT_EQ(bosSetInstallDir(HNSYB_BINARY_DIR), 0);
+    int uses = 0;
+    bosLoadResourceDLL("uxutl24", 0, nullptr, &uses);
     ZuICUHandleCache pool;
     int checked = 0;
     for (const ZuCodePageName& row : IANAtoICUTable) {
@@ -153,9 +157,13 @@ TEST(ReferenceConversion, NamesIcuCannotOpenTakeTheErrorPath)
         ASSERT_NE(e, nullptr) << row.name;
         EXPECT_TRUE(e->getErrorNumber() == ZU_MSG_CONV_NO_TABLE || e->getErrorNumber() == ZU_MSG_CONV_FAILED)
             << row.name << " gave " << e->getErrorNumber();
+        if (e->getErrorNumber() == ZU_MSG_CONV_NO_TABLE) {
+            EXPECT_TRUE(std::string(e->getErrorText()).ends_with(" " + std::to_string(row.id))) << e->getErrorText();
+        }
         EXPECT_EQ(uxMaxCharSize(row.id), 0) << row.name;
         EXPECT_EQ(VerifyCodePage(row.id), 0) << row.name;
     }
     EXPECT_GT(checked, 0) << "the table names converters that this ICU lacks";
+    bosFreeResourceDLL(0, &uses);
     ZuErrorKeeper::giveUpErrorList();
 }
