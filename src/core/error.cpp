@@ -13,13 +13,15 @@ const unsigned short kOutOfMemoryW[] = {'O', 'u', 't', ' ', 'O', 'f', ' ', 'M', 
 const char kOutOfMemory[] = "Out Of Memory";
 const unsigned short kUnknownW[] = {'<', 'u', 'n', 'k', 'n', 'o', 'w', 'n', '>', 0};
 constexpr unsigned kMessageUnits = 1024;
+
+// The flags an error starts with: the warning bit for ErrorType 1.
+uint32_t typeFlags(int type) { return type == ErrTypeWarning ? ZuError::FlagWarning : 0; }
 }  // namespace
 
 ZuError::ZuError(unsigned short number, int type, unsigned short stateId, int32_t native)
     : native_(native), number_(number), stateId_(stateId)
 {
-    if (type == ErrTypeWarning)
-        flags_ |= FlagWarning;
+    flags_ = typeFlags(type);
     lookUpMessage();
 }
 
@@ -27,8 +29,7 @@ ZuError::ZuError(unsigned short number, const char* text, zuCPType cpType, int t
                  int32_t native)
     : native_(native), number_(number), stateId_(stateId), cpType_(cpType)
 {
-    if (type == ErrTypeWarning)
-        flags_ |= FlagWarning;
+    flags_ = typeFlags(type);
     setMessage(text, cpType);
 }
 
@@ -36,8 +37,7 @@ ZuError::ZuError(unsigned short number, const char* text, UConverter* converter,
                  int32_t native)
     : native_(native), number_(number), stateId_(stateId), cpType_(ZU_CP_UTF8)
 {
-    if (type == ErrTypeWarning)
-        flags_ |= FlagWarning;
+    flags_ = typeFlags(type);
     if (text != nullptr)
         message_.initialize(text, std::strlen(text), converter);
 }
@@ -46,8 +46,7 @@ ZuError::ZuError(unsigned short number, const char* text, long codePage, int typ
                  int32_t native)
     : native_(native), number_(number), stateId_(stateId), cpType_(ZU_CP_UTF8)
 {
-    if (type == ErrTypeWarning)
-        flags_ |= FlagWarning;
+    flags_ = typeFlags(type);
     if (text != nullptr)
         message_.initialize(text, std::strlen(text), codePage);
 }
@@ -55,8 +54,7 @@ ZuError::ZuError(unsigned short number, const char* text, long codePage, int typ
 ZuError::ZuError(unsigned short number, const unsigned short* text, int type, unsigned short stateId, int32_t native)
     : native_(native), number_(number), stateId_(stateId)
 {
-    if (type == ErrTypeWarning)
-        flags_ |= FlagWarning;
+    flags_ = typeFlags(type);
     message_.initialize(text);
 }
 

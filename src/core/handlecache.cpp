@@ -4,28 +4,8 @@
 #include <limits>
 
 #include "../platform/ram.h"
+#include "tablecopy_impl.h"
 
-namespace {
-// Capacity of a cache that has no tables yet and has to grow.
-constexpr unsigned long kFirstCapacity = 16;
-
-unsigned long doubled(unsigned long capacity) { return capacity == 0 ? kFirstCapacity : 2 * capacity; }
-
-// A new table of `capacity` elements holding a copy of the first `count`
-// of `old`; null (memory error reported) on failure or on a size that does
-// not fit in memory at all.
-void* copyTable(const void* old, std::size_t elementSize, unsigned long count, unsigned long capacity)
-{
-    if (capacity > std::numeric_limits<std::size_t>::max() / elementSize) {
-        ramAddMemoryError();
-        return nullptr;
-    }
-    void* table = ramAllocC(elementSize * capacity);
-    if (table != nullptr && count > 0)
-        std::memcpy(table, old, elementSize * count);
-    return table;
-}
-}  // namespace
 
 // ---------------------------------------------------------------------------
 // ZuIntHandleCache
@@ -43,10 +23,10 @@ ZuIntHandleCache::~ZuIntHandleCache()
 
 int ZuIntHandleCache::grow(unsigned long capacity)
 {
-    auto* keys = static_cast<int32_t*>(copyTable(keys_, sizeof(int32_t), count_, capacity));
+    auto* keys = static_cast<int32_t*>(zuCopyTable(keys_, sizeof(int32_t), count_, capacity));
     if (keys == nullptr)
         return 1;
-    auto* handles = static_cast<UConverter**>(copyTable(handles_, sizeof(UConverter*), count_, capacity));
+    auto* handles = static_cast<UConverter**>(zuCopyTable(handles_, sizeof(UConverter*), count_, capacity));
     if (handles == nullptr) {
         ramFreeC(keys);
         return 1;
@@ -66,7 +46,7 @@ int ZuIntHandleCache::initialize(unsigned long capacity)
 
 int ZuIntHandleCache::addAssoc(long codePage, UConverter* converter)
 {
-    if (count_ == capacity_ && grow(doubled(capacity_)) != 0)
+    if (count_ == capacity_ && grow(zuDoubledCapacity(capacity_)) != 0)
         return 1;
     keys_[count_] = static_cast<int32_t>(codePage);
     handles_[count_] = converter;
@@ -109,15 +89,15 @@ ZuStrHandleCache::~ZuStrHandleCache()
 
 int ZuStrHandleCache::grow(unsigned long capacity)
 {
-    auto* keys = static_cast<unsigned char**>(copyTable(keys_, sizeof(unsigned char*), count_, capacity));
+    auto* keys = static_cast<unsigned char**>(zuCopyTable(keys_, sizeof(unsigned char*), count_, capacity));
     if (keys == nullptr)
         return 1;
-    auto* lengths = static_cast<unsigned long*>(copyTable(keyLengths_, sizeof(unsigned long), count_, capacity));
+    auto* lengths = static_cast<unsigned long*>(zuCopyTable(keyLengths_, sizeof(unsigned long), count_, capacity));
     if (lengths == nullptr) {
         ramFreeC(keys);
         return 1;
     }
-    auto* handles = static_cast<UConverter**>(copyTable(handles_, sizeof(UConverter*), count_, capacity));
+    auto* handles = static_cast<UConverter**>(zuCopyTable(handles_, sizeof(UConverter*), count_, capacity));
     if (handles == nullptr) {
         ramFreeC(keys);
         ramFreeC(lengths);
@@ -153,7 +133,7 @@ int ZuStrHandleCache::addAssoc(const unsigned char* name, unsigned long length, 
     if (length > 0)
         std::memcpy(copy, name, length);
     copy[length] = 0;
-    if (count_ == capacity_ && grow(doubled(capacity_)) != 0) {
+    if (count_ == capacity_ && grow(zuDoubledCapacity(capacity_)) != 0) {
         ramFreeC(copy);
         return 1;
     }

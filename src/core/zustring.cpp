@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 #include <cwchar>
+#include <type_traits>
 
 #include "../encoding/codepage.h"
 #include "../encoding/mbchar.h"
@@ -117,6 +118,40 @@ int changeUnits(Str& s, Unit*& data, uint32_t& length, unsigned long position, u
     return 0;
 }
 
+// Every occurrence of `oldText` replaced, from position 0, going on behind
+// each replacement so that replacement text is not searched again.  The
+// shared loop of both widths; `change` is changeBytes or changeChars.
+template <class Str, class Unit, class Change>
+int replaceEvery(Str& s, const Unit* oldText, unsigned long oldLength, const Unit* newText, unsigned long newLength,
+                 Change change)
+{
+    if (s.getLength() == 0 || oldText == nullptr || *oldText == 0)
+        return 0;
+    if (newText != nullptr && newLength == 0)
+        newLength = unitLength(newText);
+    unsigned long pos = 0;
+    while (pos < s.getLength()) {
+        const unsigned long found = s.findSubString(oldText, pos);
+        if (found >= s.getLength())
+            break;
+        if ((s.*change)(found, oldLength, newText, newLength) != 0)
+            return 1;
+        pos = found + newLength;
+    }
+    return 0;
+}
+
+// A number in decimal appended, for both widths.
+template <class Str, class Number>
+int concatNumber(Str& s, Number value)
+{
+    char digits[24];
+    const int n = std::is_signed_v<Number> ? std::snprintf(digits, sizeof digits, "%lld", static_cast<long long>(value))
+                                           : std::snprintf(digits, sizeof digits, "%llu",
+                                                           static_cast<unsigned long long>(value));
+    return s.concat(digits, static_cast<unsigned long>(n));
+}
+
 }  // namespace
 
 // ---- ZuString --------------------------------------------------------------
@@ -225,19 +260,9 @@ int ZuString::concat(const char* text, unsigned long length)
     return 0;
 }
 
-int ZuString::concat(unsigned long number)
-{
-    char digits[24];
-    const int n = std::snprintf(digits, sizeof digits, "%lu", number);
-    return concat(digits, static_cast<unsigned long>(n));
-}
+int ZuString::concat(unsigned long number) { return concatNumber(*this, number); }
 
-int ZuString::concat(long number)
-{
-    char digits[24];
-    const int n = std::snprintf(digits, sizeof digits, "%ld", number);
-    return concat(digits, static_cast<unsigned long>(n));
-}
+int ZuString::concat(long number) { return concatNumber(*this, number); }
 
 int ZuString::changeBytes(unsigned long position, unsigned long oldLength, const char* text, unsigned long newLength)
 {
@@ -253,20 +278,7 @@ int ZuString::changeBytes(unsigned long position, unsigned long oldLength, const
 int ZuString::replaceSubString(const char* oldText, unsigned long oldLength, const char* newText,
                                unsigned long newLength)
 {
-    if (length_ == 0 || oldText == nullptr || *oldText == 0)
-        return 0;
-    if (newText != nullptr && newLength == 0)
-        newLength = std::strlen(newText);
-    unsigned long pos = 0;
-    while (pos < length_) {
-        const unsigned long found = findSubString(oldText, pos);
-        if (found >= length_)
-            break;
-        if (changeBytes(found, oldLength, newText, newLength) != 0)
-            return 1;
-        pos = found + newLength;
-    }
-    return 0;
+    return replaceEvery(*this, oldText, oldLength, newText, newLength, &ZuString::changeBytes);
 }
 
 int ZuString::replaceSubString(const char* oldText, const char* newText)
@@ -487,19 +499,9 @@ int ZuStringW::concat(const char* text, unsigned long length)
     return 0;
 }
 
-int ZuStringW::concat(unsigned long number)
-{
-    char digits[24];
-    const int n = std::snprintf(digits, sizeof digits, "%lu", number);
-    return concat(digits, static_cast<unsigned long>(n));
-}
+int ZuStringW::concat(unsigned long number) { return concatNumber(*this, number); }
 
-int ZuStringW::concat(long number)
-{
-    char digits[24];
-    const int n = std::snprintf(digits, sizeof digits, "%ld", number);
-    return concat(digits, static_cast<unsigned long>(n));
-}
+int ZuStringW::concat(long number) { return concatNumber(*this, number); }
 
 int ZuStringW::changeChars(unsigned long position, unsigned long oldLength, const unsigned short* text,
                            unsigned long newLength)
@@ -514,20 +516,7 @@ int ZuStringW::changeChars(unsigned long position, unsigned long oldLength, cons
 int ZuStringW::replaceSubString(const unsigned short* oldText, unsigned long oldLength,
                                 const unsigned short* newText, unsigned long newLength)
 {
-    if (length_ == 0 || oldText == nullptr || *oldText == 0)
-        return 0;
-    if (newText != nullptr && newLength == 0)
-        newLength = unitLength(newText);
-    unsigned long pos = 0;
-    while (pos < length_) {
-        const unsigned long found = findSubString(oldText, pos);
-        if (found >= length_)
-            break;
-        if (changeChars(found, oldLength, newText, newLength) != 0)
-            return 1;
-        pos = found + newLength;
-    }
-    return 0;
+    return replaceEvery(*this, oldText, oldLength, newText, newLength, &ZuStringW::changeChars);
 }
 
 int ZuStringW::replaceSubString(const unsigned short* oldText, const unsigned short* newText)

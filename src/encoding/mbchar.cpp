@@ -11,6 +11,7 @@
 #include <cwctype>
 #include <limits>
 
+#include "../core/tablecopy_impl.h"
 #include "../platform/ram.h"
 #include "icucache.h"
 
@@ -373,21 +374,13 @@ ZuPCU8Cache::~ZuPCU8Cache()
 
 int ZuPCU8Cache::grow(unsigned long capacity)
 {
-    if (capacity > std::numeric_limits<std::size_t>::max() / sizeof(unsigned char*)) {
-        ramAddMemoryError();
-        return 1;
-    }
-    auto* keys = static_cast<int32_t*>(ramAllocC(sizeof(int32_t) * capacity));
+    auto* keys = static_cast<int32_t*>(zuCopyTable(keys_, sizeof(int32_t), count_, capacity));
     if (keys == nullptr)
         return 1;
-    auto* maps = static_cast<unsigned char**>(ramAllocC(sizeof(unsigned char*) * capacity));
+    auto* maps = static_cast<unsigned char**>(zuCopyTable(maps_, sizeof(unsigned char*), count_, capacity));
     if (maps == nullptr) {
         ramFreeC(keys);
         return 1;
-    }
-    if (count_ > 0) {
-        std::memcpy(keys, keys_, sizeof(int32_t) * count_);
-        std::memcpy(maps, maps_, sizeof(unsigned char*) * count_);
     }
     ramFreeC(keys_);
     ramFreeC(maps_);
@@ -401,7 +394,7 @@ int ZuPCU8Cache::initialize(unsigned long capacity) { return capacity <= capacit
 
 int ZuPCU8Cache::addAssoc(long codePage, unsigned char* map)
 {
-    if (count_ == capacity_ && grow(capacity_ == 0 ? 16 : 2 * capacity_) != 0)
+    if (count_ == capacity_ && grow(zuDoubledCapacity(capacity_)) != 0)
         return 1;
     keys_[count_] = static_cast<int32_t>(codePage);
     maps_[count_] = map;
