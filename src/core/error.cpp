@@ -146,15 +146,20 @@ void ZuError::appendText(const char* text)
     message_.setOrdinal(0);
 }
 
-ZuError& ZuError::operator<<(const unsigned short* text)
+// Fills the next placeholder; after a failure (now or before) the list's
+// dummy error is handed back, which absorbs what follows.
+template <class Parameter>
+ZuError& ZuError::fill(const Parameter& parameter)
 {
     if (isStatic() || message_.hasFailed())
         return *this;
-    message_.setParam(text);
+    message_.setParam(parameter);
     if (message_.hasFailed() && owner_ != nullptr)
         return *owner_->getDummyError();
     return *this;
 }
+
+ZuError& ZuError::operator<<(const unsigned short* text) { return fill(text); }
 
 ZuError& ZuError::addParameter(const char* text, unsigned long length)
 {
@@ -198,35 +203,11 @@ ZuError& ZuError::operator<<(const char* text)
 
 ZuError& ZuError::operator<<(const ZuSubString& view) { return addParameter(view.getData(), view.getLength()); }
 
-ZuError& ZuError::operator<<(const ZuSubStringW& view)
-{
-    if (isStatic() || message_.hasFailed())
-        return *this;
-    message_.setParam(view);
-    if (message_.hasFailed() && owner_ != nullptr)
-        return *owner_->getDummyError();
-    return *this;
-}
+ZuError& ZuError::operator<<(const ZuSubStringW& view) { return fill(view); }
 
-ZuError& ZuError::operator<<(unsigned long number)
-{
-    if (isStatic() || message_.hasFailed())
-        return *this;
-    message_.setParam(number);
-    if (message_.hasFailed() && owner_ != nullptr)
-        return *owner_->getDummyError();
-    return *this;
-}
+ZuError& ZuError::operator<<(unsigned long number) { return fill(number); }
 
-ZuError& ZuError::operator<<(long number)
-{
-    if (isStatic() || message_.hasFailed())
-        return *this;
-    message_.setParam(number);
-    if (message_.hasFailed() && owner_ != nullptr)
-        return *owner_->getDummyError();
-    return *this;
-}
+ZuError& ZuError::operator<<(long number) { return fill(number); }
 
 void ZuError::setState(const char* state)
 {

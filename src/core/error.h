@@ -104,6 +104,8 @@ private:
     void setMessage(const char* text, zuCPType cpType);
     void lookUpMessage();
     ZuError& addParameter(const char* text, unsigned long length);
+    template <class Parameter>
+    ZuError& fill(const Parameter& parameter);
     void stateOf(char state[6], const unsigned short* text) const;
 
     ZuErrorList* owner_ = nullptr;
