@@ -53,6 +53,10 @@
 // Data conversion
 #include "conversion/charconverter.h"
 
+// Profiles
+#include "profile/inicache.h"
+#include "profile/profile.h"
+
 // Network and security services
 #include "net/crc32.h"
 #include "net/md5.h"
