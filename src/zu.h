@@ -63,4 +63,10 @@
 #include "net/des.h"
 #include "net/textcipher.h"
 
+// Online help
+#include "help/help.h"
+#include "help/wwhelp.h"
+#include "help/wwhplatform.h"
+#include "help/wwhcomm.h"
+
 #endif

@@ -76,6 +76,7 @@ allowed+='|GRAVO_UCNV_|IniInitialize|CharacterConverter|str(Upper|Lower)|java(To
 allowed+='|updateCRC32|CRC32Table|MD5|leftRotate|DESwCBCEncryptor|InitialPermutation|FinalPermutation|xorbuf|encrypt|decrypt'
 allowed+='|BUT|but(token|xpand|swap)|mem(Equal|Zero|CopyAligned|CompareHuge)|fastMemCopy|str[A-Z]|floatCompare|isCharEqual|(wide)?([Hh]exify|[Dd]ehexify)|hexifyHuge|dehexifyHuge|isHexString|isTrueStr'
 allowed+='|findMenuAccelerator|setAcceleratorKey|makeDialogText|getMenuAccelerator|BZUHINST|CatFD|InstallDirLocation|OpenStrings|CloseStrings|LoadString|winGetString|addError|addWarning|addDatabaseError|appendTextTo'
+allowed+='|(private_)?WWHelp_'
 allowed+='|_init$|_fini$|__bss_start$|_edata$|_end$)'
 stray=$(grep -vE "$allowed" <<< "$syms" | grep -vE '^__(asan|ubsan|sanitizer|odr_asan|tsan)' || true)
 [ -z "$stray" ] || fail "exported names outside the interface:
