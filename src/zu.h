@@ -17,6 +17,12 @@
 #include "platform/thread.h"
 #include "platform/trace.h"
 #include "platform/catalog.h"
+#include "platform/bosfile.h"
+#include "platform/bospath.h"
+#include "platform/boslocate.h"
+#include "platform/bosfind.h"
+#include "platform/bossys.h"
+#include "platform/bostext.h"
 
 // Core library
 #include "core/object.h"

@@ -4,7 +4,9 @@
  * BOS_RUNTIME_DEBUG is read once, when the library is loaded, from the
  * variable ZU_DEBUGGING as hexadecimal; each bit switches on the trace lines
  * of one area, which go to standard output, flushed at once.  Bits in use:
- * 2 file search, 4 library loading, 8 message lookups.
+ * 1 bosFileOpen, 2 file search (bosLocateFile), 4 library loading,
+ * 8 message lookups, 16 profile writes, 32 profile reads, 128 profile load,
+ * 0x100 bosexist and bosfattr, 0x200 bosFindFiles, 0x400 the path builders.
  */
 #ifndef HNSYB_PLATFORM_TRACE_H
 #define HNSYB_PLATFORM_TRACE_H

@@ -77,6 +77,7 @@ allowed+='|updateCRC32|CRC32Table|MD5|leftRotate|DESwCBCEncryptor|InitialPermuta
 allowed+='|BUT|but(token|xpand|swap)|mem(Equal|Zero|CopyAligned|CompareHuge)|fastMemCopy|str[A-Z]|floatCompare|isCharEqual|(wide)?([Hh]exify|[Dd]ehexify)|hexifyHuge|dehexifyHuge|isHexString|isTrueStr'
 allowed+='|findMenuAccelerator|setAcceleratorKey|makeDialogText|getMenuAccelerator|BZUHINST|CatFD|InstallDirLocation|OpenStrings|CloseStrings|LoadString|winGetString|addError|addWarning|addDatabaseError|appendTextTo'
 allowed+='|(private_)?WWHelp_'
+allowed+='|(Upper|Lower)Text'
 allowed+='|_init$|_fini$|__bss_start$|_edata$|_end$)'
 stray=$(grep -vE "$allowed" <<< "$syms" | grep -vE '^__(asan|ubsan|sanitizer|odr_asan|tsan)' || true)
 [ -z "$stray" ] || fail "exported names outside the interface:
