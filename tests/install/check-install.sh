@@ -78,6 +78,8 @@ allowed+='|BUT|but(token|xpand|swap)|mem(Equal|Zero|CopyAligned|CompareHuge)|fas
 allowed+='|findMenuAccelerator|setAcceleratorKey|makeDialogText|getMenuAccelerator|BZUHINST|CatFD|InstallDirLocation|OpenStrings|CloseStrings|LoadString|winGetString|addError|addWarning|addDatabaseError|appendTextTo'
 allowed+='|(private_)?WWHelp_'
 allowed+='|(Upper|Lower)Text'
+allowed+='|convert(UTF16Swap)?\(|Base(DateToJulian|JulianToDate)\('
+allowed+='|create(_shell1|ListOfWidgets|Form|PushButton|Label|LabelField|ToggleButton|TextField|MultiLineTextField|DropDownList|HelpPushButton|LabelAndText|MultiLineBox|SecurityTab|ConnPoolTab|BulkTab)\(|populate(UIFromLinkedList|LinkedListFromUI)\(|ungrayAuthOptions|iddlgname|iniids|idtype|IDNameWgt|getMsgByID|setControlRect|addToCtrlArray|(depended|authMethod|encryptMethod|failoverMode)(Method)?Changed|checkPassword|enablePooling|key(store)?Passsword'
 allowed+='|_init$|_fini$|__bss_start$|_edata$|_end$)'
 stray=$(grep -vE "$allowed" <<< "$syms" | grep -vE '^__(asan|ubsan|sanitizer|odr_asan|tsan)' || true)
 [ -z "$stray" ] || fail "exported names outside the interface:
