@@ -11,6 +11,8 @@
 
 #include <X11/Intrinsic.h>
 
+#include "../platform/export.h"
+
 extern char fileName[1024];
 extern char fileSize[20];
 extern char fileDate[50];
@@ -21,14 +23,14 @@ extern char FileVersion[1024];
 
 // The tab's form "AboutForm" under `notebook`, or null (after the
 // out-of-memory box) when a widget could not be made.
-Widget createAbtForm(Widget notebook, unsigned char* driverPath);
-void setAboutInfo(unsigned char* driverPath);
+ZU_EXPORT Widget createAbtForm(Widget notebook, unsigned char* driverPath);
+ZU_EXPORT void setAboutInfo(unsigned char* driverPath);
 // Company name and version of the library at `libPath` (empty when it does
 // not load or does not say); leaves no error behind.
-void getCompNameAndVersion(char* libPath, char* company, char* version, int flags);
+ZU_EXPORT void getCompNameAndVersion(char* libPath, char* company, char* version, int flags);
 // The library's getFileVersionString(), or null.
-const char* getVersion(void* handle);
+ZU_EXPORT const char* getVersion(void* handle);
 // The icon XPM data into *pixmap on the About form's display; 0 or an Xpm error.
-int getPFIconIPixmap(unsigned long* pixmap, char** xpmData);
+ZU_EXPORT int getPFIconIPixmap(unsigned long* pixmap, char** xpmData);
 
 #endif

@@ -13,6 +13,8 @@
 
 #include <X11/Intrinsic.h>
 
+#include "../platform/export.h"
+
 // Box types of createMessageDialog.
 enum : unsigned long { DSN_BOX_QUESTION = 0, DSN_BOX_INFORMATION = 1, DSN_BOX_ERROR = 2 };
 
@@ -21,23 +23,23 @@ extern Widget dialog;  // the one live message box, or null
 // A full application modal box named "dialog" of the given type (question:
 // OK and Cancel; information and error: OK only).  Null for an unknown type
 // or when it cannot be made (then the out-of-memory box shows).
-Widget createMessageDialog(Widget parent, unsigned long type, char* message, char* okLabel, char* cancelLabel,
+ZU_EXPORT Widget createMessageDialog(Widget parent, unsigned long type, char* message, char* okLabel, char* cancelLabel,
                            char* title);
 // A 450 x 530 box with the text in a scrolled field; returns when its OK is
 // pressed.  Without widgets the text goes to standard output.  `style` is
 // not read.
-void motifMessageBox(void* parent, const unsigned char* text, const unsigned char* title, int style);
+ZU_EXPORT void motifMessageBox(void* parent, const unsigned char* text, const unsigned char* title, int style);
 // Sets *(int*)done to 1.
-void okCB(Widget, XtPointer done, XtPointer);
+ZU_EXPORT void okCB(Widget, XtPointer done, XtPointer);
 
 // Error box 7315 (file DSN) or 7316: the data source could not be written.
-void showPermissionError(Widget parent, int isFileDSN);
+ZU_EXPORT void showPermissionError(Widget parent, int isFileDSN);
 // Error box 7312; its OK ends the dialog through exitDriverConfig.
-void showOutOfMemoryError(Widget parent);
+ZU_EXPORT void showOutOfMemoryError(Widget parent);
 // Unmanages `w`, adds error 7312, ends the loop.
-void outOfMemoryError(Widget w);
+ZU_EXPORT void outOfMemoryError(Widget w);
 // OK of the out-of-memory box: unmanages the widget in `shell`, adds error
 // 7312 and ends the loop.
-void exitDriverConfig(Widget, XtPointer shell, XtPointer);
+ZU_EXPORT void exitDriverConfig(Widget, XtPointer shell, XtPointer);
 
 #endif

@@ -17,6 +17,8 @@
 
 #include <Xm/Xm.h>
 
+#include "../platform/export.h"
+
 constexpr unsigned char DSN_PROTECTED_MARKER = 0xFF;
 // A stored value is revealed from its first DSN_REVEAL_MAX characters.
 constexpr int DSN_REVEAL_BUFFER = 144;
@@ -24,18 +26,18 @@ constexpr int DSN_REVEAL_MAX = DSN_REVEAL_BUFFER - 1;
 
 // Protects `clear` into *out.  A null or already protected `clear` succeeds
 // with *out unchanged; an empty one gives an empty *out.
-int getEncryptedHexifiedValue(unsigned char* clear, unsigned char** out);
+ZU_EXPORT int getEncryptedHexifiedValue(unsigned char* clear, unsigned char** out);
 // Reveals `stored` into *out (null for a null `stored`); plain text is copied.
-int getDehexifiedDecryptedValue(unsigned char* stored, unsigned char** out);
+ZU_EXPORT int getDehexifiedDecryptedValue(unsigned char* stored, unsigned char** out);
 // Reveals `stored` (its first 143 characters) into the password field
 // `field`, whose modify callback keeps the clear text; empty is a no-op.
-int setDehexifiedDecryptedValue(char* stored, char* unused, Widget field);
+ZU_EXPORT int setDehexifiedDecryptedValue(char* stored, char* unused, Widget field);
 // Protects `clear` into a node's value field (ND_VALUE_SIZE bytes, cut to
 // fit); empty when `clear` is null or gives no result.
-int setEncryptedHexifiedValue(char* clear, char* nodeValue);
+ZU_EXPORT int setEncryptedHexifiedValue(char* clear, char* nodeValue);
 
 // Shown string of an encryption method value ("1" -> "1 - SSL Auto", ...);
 // the caller frees it with XmStringFree.
-XmString decodeEncryption(const unsigned char* value);
+ZU_EXPORT XmString decodeEncryption(const unsigned char* value);
 
 #endif

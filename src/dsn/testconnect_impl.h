@@ -14,6 +14,8 @@
 #define HNSYB_DSN_TESTCONNECT_IMPL_H
 
 #include <X11/Intrinsic.h>
+
+#include "../platform/export.h"
 #include <sql.h>
 
 struct DSNInfoStruct;  // only its first word, a window handle, is known
@@ -21,7 +23,7 @@ struct DSNInfoStruct;  // only its first word, a window handle, is known
 // Flags of TestConnect::testConnect.
 enum : unsigned long { TEST_CONNECT = 1, TEST_DISCONNECT = 2 };
 
-class TestConnect {
+class ZU_EXPORT TestConnect {
 public:
     explicit TestConnect(DSNInfoStruct* info);
     TestConnect(void* window, char* connectString);
@@ -48,9 +50,9 @@ private:
 };
 
 // "DRIVER={name};key=value;..." in a malloc'ed string; null on failure.
-char* createConnectionString();
+ZU_EXPORT char* createConnectionString();
 // Saves, then connects and shows the result (success box 24094, or the
 // driver's first diagnostic in an error box; nothing for a cancelled prompt).
-void testConnectClicked(Widget shell, Widget dsnText);
+ZU_EXPORT void testConnectClicked(Widget shell, Widget dsnText);
 
 #endif
