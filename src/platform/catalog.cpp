@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "../encoding/mbchar.h"
+#include "../profile/profile.h"
 #include "critsec.h"
 #include "trace.h"
 
@@ -72,7 +73,17 @@ int bosSetInstallDir(const char* dir)
 {
     ZuCriticalSectionGuard guard(gInstallDirLock);
     const char* from = dir != nullptr ? dir : std::getenv("PF_INSTALLDIR");
-    copyBounded(InstallDirLocation, sizeof InstallDirLocation, from != nullptr ? from : "");
+    if (from != nullptr) {
+        copyBounded(InstallDirLocation, sizeof InstallDirLocation, from);
+    } else {
+        // The [ODBC] InstallDir entry of the DSN file, else of the driver
+        // file.  The profile layer takes its list and cache locks inside this
+        // section; nothing takes them in the other order.
+        zuGetProfileString("ODBC", "InstallDir", "", InstallDirLocation, sizeof InstallDirLocation, ".odbc.ini");
+        if (InstallDirLocation[0] == 0)
+            zuGetPrivateProfileString("ODBC", "InstallDir", "", InstallDirLocation, sizeof InstallDirLocation,
+                                      ".odbcinst.ini");
+    }
     // White space is cut from the end, the first byte never tested; then one
     // trailing slash.
     long last = static_cast<long>(std::strlen(InstallDirLocation)) - 1;

@@ -88,7 +88,11 @@ public:
     // Frees both paths and the text; state 0.
     void Close();
 
-    // Read-only views for the list and for tests.
+    // 1 when the cache's resolved path is exactly `path` (read under the
+    // cache's semaphore, since a reload replaces it).
+    int hasPath(const char* path);
+
+    // Read-only views for tests; not synchronised with other threads.
     const char* getPath() const { return path_; }
     const char* getText() const { return text_; }
     unsigned long getCachedSize() const { return cachedSize_; }
@@ -101,12 +105,18 @@ private:
     enum State { StateUnusable = 0, StateLoaded = 1 };
 
     int load(const char* name, unsigned long mode);
-    int reloadLocked();
+    int adopt(const char* resolved);
+    int readAll(int handle, unsigned long size, unsigned long date);
     int stat(unsigned long* date, unsigned long* size) const;
+    int syncLocked();
+    // Takes the semaphore and brings the text up to date: 0 with the
+    // semaphore held and a usable text, 1 with it released.
+    int lockUsable();
+    bool isHeaderStart(const char* open) const;
     int sectionNames(char* buffer, int size);
     int entryNames(const char* start, const char* next, char* buffer, int size);
-    int rewrite(const char* section, const char* entry, const char* value);
-    int forceSizeChange(const char* tail, unsigned long tailLength);
+    int rewrite(const char* bracketed, const char* entry, const char* value);
+    void releaseFile(int locked);
 
     int32_t handle_ = 0;             // 0 whenever no file is open
     uint32_t cachedSize_ = 0;        // length in bytes when last loaded
@@ -141,8 +151,7 @@ public:
     unsigned getCount();
 
 private:
-    ZuIniFileCache* openResolved(const char* resolved, const char* name, const unsigned short* wideName,
-                                 unsigned long mode);
+    ZuIniFileCache* openNamed(const char* name, const unsigned short* wideName, unsigned long mode);
 
     ZuSemaphore lock_;
     ZuArray caches_;
