@@ -58,6 +58,9 @@
 
 // Data conversion
 #include "conversion/charconverter.h"
+#include "conversion/convert.h"
+#include "conversion/juliandate.h"
+#include "conversion/zutime.h"
 
 // Profiles
 #include "profile/inicache.h"
