@@ -4,9 +4,9 @@
 // temporary file made by mkstemp; it is that very file (its descriptor),
 // never a name opened again, that the child writes and the parent measures.
 // Everything the child needs is prepared before fork, so that between fork
-// and exec it only calls dup2, sigprocmask, execvp and _exit: the process
-// may have other threads, and the child must never run the caller's exit
-// handlers or flush the caller's stdio buffers.
+// and exec it only calls dup2, sigprocmask, signal, execvp and _exit: the
+// process may have other threads, and the child must never run the caller's
+// exit handlers or flush the caller's stdio buffers.
 //
 // With wait set, the parent reaps the child within the wait limit (killing
 // it after that).  Without, the child forks the browser and ends at once, so
@@ -34,6 +34,8 @@ constexpr int kMaxArguments = 32;
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
+    // A host that ignores SIGPIPE should not pass that on to the browser.
+    signal(SIGPIPE, SIG_DFL);
     if (dup2(nullFd, STDOUT_FILENO) < 0 || dup2(errorFd, STDERR_FILENO) < 0)
         _exit(255);
     execvp(program, argv);
