@@ -123,6 +123,33 @@ bool addEntries(ZuBosFileFindDesc* list, const char* dir)
     return ok;
 }
 
+// True when `pattern` holds, outside quotes, a character with which the
+// shell would end the command or start another one.  wordexp refuses most
+// of these itself but lets some through (a ';' behind a wildcard), and a
+// pattern is never more than words to expand.
+bool hasShellOperator(const char* pattern)
+{
+    char quote = 0;
+    for (const char* p = pattern; *p != 0; ++p) {
+        if (quote == '\'') {
+            if (*p == '\'')
+                quote = 0;
+        } else if (*p == '\\') {
+            if (p[1] == 0)
+                break;
+            ++p;
+        } else if (quote == '"') {
+            if (*p == '"')
+                quote = 0;
+        } else if (*p == '\'' || *p == '"') {
+            quote = *p;
+        } else if (std::strchr("|&;<>(){}\n", *p) != nullptr) {
+            return true;
+        }
+    }
+    return false;
+}
+
 // Builds the listing ls would print for the words of `pattern`: files
 // named on the command line first, sorted, then each directory's entries.
 // ls would also print a "dir:" heading and a blank line between several
@@ -131,6 +158,11 @@ bool addEntries(ZuBosFileFindDesc* list, const char* dir)
 ZuBosFileFindDesc* listPattern(const char* pattern, int* failed)
 {
     *failed = 0;
+    if (hasShellOperator(pattern)) {
+        addError(1540) << pattern;
+        *failed = 1;
+        return nullptr;
+    }
     wordexp_t words;
     int result = wordexp(pattern, &words, WRDE_NOCMD);
     if (result == WRDE_CMDSUB || result == WRDE_BADCHAR || result == WRDE_SYNTAX) {
