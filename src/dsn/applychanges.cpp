@@ -84,8 +84,13 @@ int applyChanges(nd** list, driverDSNName** dsnSlot)
         SQLRemoveDSNFromIni(dsn->dsnName);
         if (BUTSTCMP(dsn->previousDSN, dsn->dsnName) != 0) {
             // A new data source has no previous name: nothing to remove.
-            if (dsn->previousDSN[0] != 0)
+            // unixODBC's remove leaves the old name's entry under "ODBC
+            // Data Sources", where administrators would still list it: a
+            // rename takes that entry away too.
+            if (dsn->previousDSN[0] != 0) {
                 SQLRemoveDSNFromIni(dsn->previousDSN);
+                SQLWritePrivateProfileString("ODBC Data Sources", dsn->previousDSN, nullptr, kUserFile);
+            }
             strCopy(dsn->previousDSN, sizeof dsn->previousDSN, dsn->dsnName);
         }
     }
