@@ -97,6 +97,10 @@ void create_shell1(unsigned char* driverPath, unsigned char* driverName, unsigne
     shell1 = createShell();
     if (!widgetMade(shell1))
         return;
+    // The size hints do not size a window that no window manager reads:
+    // the box itself takes the dialog's size, without margins, and keeps it.
+    XtVaSetValues(shell1, XmNwidth, DIALOG_WIDTH, XmNheight, DIALOG_HEIGHT, XmNmarginWidth, 0, XmNmarginHeight, 0,
+                  XmNresizePolicy, XmRESIZE_NONE, nullptr);
     frmSybMain = createForm(shell1, "frmSybMain");
     if (!widgetMade(frmSybMain))
         return;
