@@ -41,15 +41,9 @@ Widget createNamedButton(Widget parent, const char* name, int labelId)
     return button;
 }
 
-// The help layer is being finished beside this code; until its entry is
-// linked in, a weak reference keeps the library linkable and a help button
-// does nothing.
-#pragma weak zuDisplayHelp
-
 void requestHelp(const unsigned char* book, const unsigned char* topic)
 {
-    if (zuDisplayHelp != nullptr)
-        zuDisplayHelp(book, topic);
+    zuDisplayHelp(book, topic);
 }
 
 void showTabHelp(Widget, XtPointer topic, XtPointer)
