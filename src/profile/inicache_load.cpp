@@ -120,12 +120,9 @@ int ZuIniFileCache::bosZuIniOpen(const unsigned short* name, unsigned long mode)
 int ZuIniFileCache::load(const char* name, unsigned long mode)
 {
     bosTrace(ZU_TRACE_PROFILE_LOAD, "ZuIniOpen: File:%s \n", name);
-    ramFreeC(path_);
-    path_ = nullptr;
-    ramFreeC(text_);
-    text_ = nullptr;
-    cachedDate_ = 0;
-    cachedSize_ = 0;
+    // What was loaded before stays until the new text is complete: a reload
+    // that fails (the file gone, memory short) leaves path and text as they
+    // were, with the date and size that make the next probe try again.
 
     if (std::strlen(name) > static_cast<std::size_t>(BOS_MAX_PATH)) {
         // A cut name could name another file, which a create mode would make.
@@ -153,8 +150,12 @@ int ZuIniFileCache::load(const char* name, unsigned long mode)
             // Keep the resolved name, so that the task's list finds this
             // cache again instead of adding one more for every call, and so
             // that the file is loaded once it appears.
-            if (path_ == nullptr)
-                path_ = iniDupText(copy);
+            if (path_ == nullptr || std::strcmp(path_, copy) != 0) {
+                if (char* kept = iniDupText(copy)) {
+                    ramFreeC(path_);
+                    path_ = kept;
+                }
+            }
             if (list == nullptr)
                 return 0;
             ZuError* error = newError(before);
@@ -188,27 +189,21 @@ int ZuIniFileCache::load(const char* name, unsigned long mode)
 }
 
 // Takes over the open file handle_: path, date and size, the text.  Closes
-// the file whatever happens.
+// the file whatever happens; on failure the cache keeps what it had.
 int ZuIniFileCache::adopt(const char* resolved)
 {
-    path_ = iniDupText(resolved);
+    char* path = iniDupText(resolved);
     unsigned long date = 0;
     unsigned long size = 0;
-    if (path_ == nullptr || bosFileDateSize(path_, &date, &size) != 0) {
-        bosFileClose(handle_);
-        handle_ = 0;
-        ramFreeC(path_);
-        path_ = nullptr;
-        return 1;
-    }
-    const int result = readAll(handle_, size, date);
+    const int failed = path == nullptr || bosFileDateSize(path, &date, &size) != 0 || readAll(handle_, size, date) != 0;
     bosFileClose(handle_);
     handle_ = 0;
-    if (result != 0) {
-        ramFreeC(path_);
-        path_ = nullptr;
+    if (failed) {
+        ramFreeC(path);
         return 1;
     }
+    ramFreeC(path_);
+    path_ = path;
     state_ = StateLoaded;
     bosTrace(ZU_TRACE_PROFILE_LOAD, "ZuIniOpen: File:%s FileSize %d\n", path_, static_cast<int>(cachedSize_));
     return 0;

@@ -38,6 +38,10 @@ int ZuIniFileCache::sectionNames(char* buffer, int size)
         const char* close = std::strchr(open, ']');
         if (close == nullptr)
             break;
+        if (std::memchr(open, '\n', static_cast<std::size_t>(close - open)) != nullptr) {
+            from = open + 1;  // no name spans lines (see getSection)
+            continue;
+        }
         // A header starts the text or follows a newline (which also rules
         // out a ";" or "#" just before it).
         if (open == text_ || open[-1] == '\n') {

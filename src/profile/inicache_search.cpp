@@ -52,6 +52,13 @@ int ZuIniFileCache::getSection(const char* bracketedName, char** start, char** n
         char* close = strFind(open, ']', ZU_CP_LOCALE);
         if (close == nullptr)
             break;
+        // A name never spans lines: a "[" whose line has no "]" is no header,
+        // and the search goes on right behind it, so that a stray "[" in a
+        // value cannot hide the next real header.
+        if (std::memchr(open, '\n', static_cast<std::size_t>(close - open)) != nullptr) {
+            from = open + 1;
+            continue;
+        }
         if (isHeaderStart(open) &&
             strCompareCi(open, static_cast<long>(close - open + 1), bracketedName, nameLength, ZU_CP_LOCALE) == 0) {
             *start = open;
