@@ -138,6 +138,7 @@ std::string DialogFixture::shown(Widget combo)
         static_cast<char*>(XmStringUnparse(item, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, nullptr, 0, XmOUTPUT_ALL));
     std::string result = value != nullptr ? value : "";
     XtFree(value);
+    XmStringFree(item);  // a combo box hands out a copy
     return result;
 }
 

@@ -146,8 +146,7 @@ char* comboSelectedText(Widget combo, char* buf, std::size_t size)
     XtVaGetValues(combo, XmNselectedItem, &item, nullptr);
     if (item == nullptr)
         return buf;
-    // XmNselectedItem hands out the widget's own string: unparse a copy of
-    // the text and leave the item alone.
+    // XmNselectedItem hands out a copy, which is freed here.
     char* text = static_cast<char*>(XmStringUnparse(item, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, nullptr, 0,
                                                     XmOUTPUT_ALL));
     if (text != nullptr) {
@@ -159,6 +158,7 @@ char* comboSelectedText(Widget combo, char* buf, std::size_t size)
         buf[n] = '\0';
         XtFree(text);
     }
+    XmStringFree(item);
     return buf;
 }
 
