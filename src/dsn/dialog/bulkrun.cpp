@@ -190,7 +190,10 @@ SQLRETURN callEntry(Operation operation, void* entry, SQLHDBC driverConnection, 
             showOutOfMemoryError(window);
             return SQL_SUCCESS;
         }
-        messages[0] = 0;
+        // The first byte must be clear; the rest is cleared too, so that a
+        // count above what the driver wrote finds an empty text, never
+        // stale heap bytes.
+        std::memset(messages, 0, kVerifyBufferSize);
         int count = 0;
         rc = reinterpret_cast<ValidateTableFromFileFn>(entry)(driverConnection, info.tableName,
                                                               info.configFileName, messages, kVerifyBufferSize,

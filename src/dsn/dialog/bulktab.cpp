@@ -12,6 +12,7 @@
 #include <Xm/Xm.h>
 
 #include <cstring>
+#include <initializer_list>
 
 #include "conversion/convert.h"
 #include "dsn/backend_impl.h"
