@@ -11,10 +11,10 @@
 #include "profile_dir.h"
 
 namespace {
-class Api : public ProfileDir {};
+class ProfileApi : public ProfileDir {};
 }  // namespace
 
-TEST_F(Api, CachesAreSharedByResolvedPathAndCountedByUse)
+TEST_F(ProfileApi, CachesAreSharedByResolvedPathAndCountedByUse)
 {
     writeText(dsnFile, "[d]\nk=v\n");
     ZuIniFileCacheList* list = zuGetIniFileCacheList();
@@ -50,7 +50,7 @@ TEST_F(Api, CachesAreSharedByResolvedPathAndCountedByUse)
     EXPECT_EQ(errors.getCount(), 0u);
 }
 
-TEST_F(Api, AZuIniThatNeverOpenedGivesTheDefaultAndError2717)
+TEST_F(ProfileApi, AZuIniThatNeverOpenedGivesTheDefaultAndError2717)
 {
     ASSERT_EQ(bosSetInstallDir(HNSYB_BINARY_DIR), 0);
     int uses = 0;
@@ -70,7 +70,7 @@ TEST_F(Api, AZuIniThatNeverOpenedGivesTheDefaultAndError2717)
     bosFreeResourceDLL(0, &uses);
 }
 
-TEST_F(Api, WithoutACacheTheFamiliesFallBack)
+TEST_F(ProfileApi, WithoutACacheTheFamiliesFallBack)
 {
     env.set("ODBCINI", file("absent.ini"));  // the DSN file's variable names a missing file
     char value[8];
@@ -84,7 +84,7 @@ TEST_F(Api, WithoutACacheTheFamiliesFallBack)
     EXPECT_STREQ(value, "");
 }
 
-TEST_F(Api, KeepingAndPrivateFamiliesReadAndWrite)
+TEST_F(ProfileApi, KeepingAndPrivateFamiliesReadAndWrite)
 {
     const std::string path = file("p.ini");
     ASSERT_EQ(zuWritePrivateProfileString("sec", "num", "77", path.c_str()), 1) << "mode 4 creates the file";
@@ -110,7 +110,7 @@ TEST_F(Api, KeepingAndPrivateFamiliesReadAndWrite)
     EXPECT_NE(readText(path).find("w=\n"), std::string::npos);
 }
 
-TEST_F(Api, ConversionsCutToTheBufferAndKeepCharactersWhole)
+TEST_F(ProfileApi, ConversionsCutToTheBufferAndKeepCharactersWhole)
 {
     const unsigned short latin[] = {'a', 0xe9, 'b', 0x20ac, 0};
     char narrow[16];
@@ -139,7 +139,7 @@ TEST_F(Api, ConversionsCutToTheBufferAndKeepCharactersWhole)
     EXPECT_EQ(zuGetModName("a-name-too-long", module, 16), 0);
 }
 
-TEST_F(Api, WindowsNamedShimsUseTheDiskAlone)
+TEST_F(ProfileApi, WindowsNamedShimsUseTheDiskAlone)
 {
     const std::string path = file("win.ini");
     char value[16] = "untouched";
@@ -158,7 +158,7 @@ TEST_F(Api, WindowsNamedShimsUseTheDiskAlone)
     EXPECT_EQ(SetWindowPos(nullptr, nullptr, 0, 0, 1, 1, 0), 0);
 }
 
-TEST_F(Api, TheInstallDirectoryComesFromTheDsnFileThenTheDriverFile)
+TEST_F(ProfileApi, TheInstallDirectoryComesFromTheDsnFileThenTheDriverFile)
 {
     writeText(dsnFile, "[ODBC]\nInstallDir=/opt/from-dsn/\n");
     writeText(driverFile, "[ODBC]\nInstallDir=/opt/from-driver\n");

@@ -22,7 +22,7 @@
 #include "profile_dir.h"
 
 namespace {
-class BadInput : public ProfileDir {};
+class ProfileBadInput : public ProfileDir {};
 
 // A read through another thread, with a time-out: false when the cache's
 // semaphore was left held (the read would never come back).
@@ -67,7 +67,7 @@ int runUnprivileged(const std::function<int()>& body)
 }
 }  // namespace
 
-TEST_F(BadInput, RandomBytesAsContentGiveDefaultsAndWritesStayReadable)
+TEST_F(ProfileBadInput, RandomBytesAsContentGiveDefaultsAndWritesStayReadable)
 {
     std::mt19937 rng(4242);
     const char alphabet[] = "[]=;#\n\t a\r\0b\xff";
@@ -107,7 +107,7 @@ TEST_F(BadInput, RandomBytesAsContentGiveDefaultsAndWritesStayReadable)
     }
 }
 
-TEST_F(BadInput, AMissingDriverFileGivesDefaultsAndLeavesNoError)
+TEST_F(ProfileBadInput, AMissingDriverFileGivesDefaultsAndLeavesNoError)
 {
     env.unset("ODBCINST");
     char value[32];
@@ -134,7 +134,7 @@ TEST_F(BadInput, AMissingDriverFileGivesDefaultsAndLeavesNoError)
     EXPECT_EQ(errors.getWarningCount(), 1);
 }
 
-TEST_F(BadInput, ReadOnlyFileAndFolderAreReadButNotWritten)
+TEST_F(ProfileBadInput, ReadOnlyFileAndFolderAreReadButNotWritten)
 {
     const std::string path = file("ro/locked.ini");
     mkdir(file("ro").c_str(), 0755);
@@ -168,7 +168,7 @@ TEST_F(BadInput, ReadOnlyFileAndFolderAreReadButNotWritten)
     chmod(file("ro").c_str(), 0755);
 }
 
-TEST_F(BadInput, AllocationFailuresInAWriteLeaveFileAndCacheIntact)
+TEST_F(ProfileBadInput, AllocationFailuresInAWriteLeaveFileAndCacheIntact)
 {
     const std::string path = file("fault.ini");
     const std::string original = "[a]\nx=1\n[b]\ny=2\n";
@@ -206,7 +206,7 @@ TEST_F(BadInput, AllocationFailuresInAWriteLeaveFileAndCacheIntact)
     }
 }
 
-TEST_F(BadInput, AWriteTheDiskRefusesPutsTheOldTextBack)
+TEST_F(ProfileBadInput, AWriteTheDiskRefusesPutsTheOldTextBack)
 {
     const std::string path = file("full.ini");
     const std::string original = "[a]\nx=1\n";

@@ -19,7 +19,7 @@
 #include "profile_dir.h"
 
 namespace {
-class Concurrency : public ProfileDir {};
+class ProfileConcurrency : public ProfileDir {};
 
 // Waits for a child with a time-out; its exit code, or -1.
 int reap(pid_t pid, int timeoutMs = 60000)
@@ -46,7 +46,7 @@ std::string valueOf(const std::string& path, const std::string& section, const s
 }
 }  // namespace
 
-TEST_F(Concurrency, ThreadsReadingAndWritingOneCacheLoseNothing)
+TEST_F(ProfileConcurrency, ThreadsReadingAndWritingOneCacheLoseNothing)
 {
     const std::string path = file("shared.ini");
     writeText(path, "[common]\nseed=1\n");
@@ -100,7 +100,7 @@ TEST_F(Concurrency, ThreadsReadingAndWritingOneCacheLoseNothing)
     EXPECT_EQ(readText(path).find('\0'), std::string::npos) << "no holes in the file";
 }
 
-TEST_F(Concurrency, TwoProcessesWritingDistinctKeysKeepEveryKey)
+TEST_F(ProfileConcurrency, TwoProcessesWritingDistinctKeysKeepEveryKey)
 {
     const std::string path = file("two.ini");
     writeText(path, "[start]\nx=1\n");
@@ -140,7 +140,7 @@ TEST_F(Concurrency, TwoProcessesWritingDistinctKeysKeepEveryKey)
     EXPECT_EQ(std::atoi(r.output.c_str()), 2 * kKeys + 1) << "configparser reads the file without complaint";
 }
 
-TEST_F(Concurrency, AnotherProcessesEqualLengthChangeInTheSameSecondIsSeen)
+TEST_F(ProfileConcurrency, AnotherProcessesEqualLengthChangeInTheSameSecondIsSeen)
 {
     const std::string path = file("fresh.ini");
     for (int attempt = 0; attempt < 5; ++attempt) {

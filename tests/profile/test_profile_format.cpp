@@ -15,7 +15,7 @@
 #include "profile_dir.h"
 
 namespace {
-class Format : public ProfileDir {
+class ProfileFormat : public ProfileDir {
 protected:
     // A private cache over `text`, in a file of its own.
     ZuIniFileCache& load(const std::string& text)
@@ -62,7 +62,7 @@ protected:
 };
 }  // namespace
 
-TEST_F(Format, HeadersAreRecognisedOnlyAtLineStartAndNotBehindACommentMark)
+TEST_F(ProfileFormat, HeadersAreRecognisedOnlyAtLineStartAndNotBehindACommentMark)
 {
     load("[first]\na=1\n ;[x]\n[not]x=1\n;[hidden]\nb=2\n#[gone]\n[ trimmed ]\nc=3\n[last]\nd=4");
     EXPECT_EQ(get("first", "a"), "1") << "the first byte of the text can open a header";
@@ -74,7 +74,7 @@ TEST_F(Format, HeadersAreRecognisedOnlyAtLineStartAndNotBehindACommentMark)
     EXPECT_EQ(get("last", "d"), "4") << "a last line without a line feed is read";
 }
 
-TEST_F(Format, EntryLinesKeepTheirQuirks)
+TEST_F(ProfileFormat, EntryLinesKeepTheirQuirks)
 {
     load("[s]\nname with blanks  =  v  \na= =b\n  ;c=comment\n#d=comment\nnoequals\ne=hidden\nf=\ng=x[y]z\n");
     EXPECT_EQ(get("s", "name with blanks"), "v  ") << "blanks before '=' are not the name; trailing blanks stay";
@@ -88,7 +88,7 @@ TEST_F(Format, EntryLinesKeepTheirQuirks)
     EXPECT_EQ(get("s", "g"), "x[y]z") << "a '[' inside a value is part of it";
 }
 
-TEST_F(Format, ALineWithoutEqualsAtTheEndEndsTheSearch)
+TEST_F(ProfileFormat, ALineWithoutEqualsAtTheEndEndsTheSearch)
 {
     load("[s]\na=1\ntrailing");
     EXPECT_EQ(get("s", "a"), "1");
@@ -96,7 +96,7 @@ TEST_F(Format, ALineWithoutEqualsAtTheEndEndsTheSearch)
     EXPECT_EQ(get("s", "zz"), "DEF");
 }
 
-TEST_F(Format, ValuesAreCutToTheBufferWithTheSizeAsResult)
+TEST_F(ProfileFormat, ValuesAreCutToTheBufferWithTheSizeAsResult)
 {
     load("[s]\nk=0123456789\n");
     int length = 0;
@@ -112,7 +112,7 @@ TEST_F(Format, ValuesAreCutToTheBufferWithTheSizeAsResult)
     EXPECT_STREQ(small, "a ");
 }
 
-TEST_F(Format, SectionAndEntryListsAreNulSeparated)
+TEST_F(ProfileFormat, SectionAndEntryListsAreNulSeparated)
 {
     load("[a]\nx=1\n y =2\n;c=3\nnoeq\nz=4\n[b]\n[c]\nv=[w]\n");
     char buffer[256];
@@ -139,7 +139,7 @@ TEST_F(Format, SectionAndEntryListsAreNulSeparated)
     EXPECT_EQ(buffer[n - 1], 0);
 }
 
-TEST_F(Format, NumbersAreReadUpToTheFirstNonDigit)
+TEST_F(ProfileFormat, NumbersAreReadUpToTheFirstNonDigit)
 {
     load("[n]\nplain=42\nsuffix=12ab\nneg=-1\nnone=abc\nhuge=99999999999\nmax=4294967295\n");
     EXPECT_EQ(cache->c.bosGetProfileInt("n", "plain", 7), 42u);
@@ -151,7 +151,7 @@ TEST_F(Format, NumbersAreReadUpToTheFirstNonDigit)
     EXPECT_EQ(cache->c.bosGetProfileInt("n", "missing", 7), 7u);
 }
 
-TEST_F(Format, WritesPlaceNewEntriesUnderTheHeaderAndNewSectionsAtTheEnd)
+TEST_F(ProfileFormat, WritesPlaceNewEntriesUnderTheHeaderAndNewSectionsAtTheEnd)
 {
     ZuIniFileCache& c = load("[a]\nx=1\n[b]\ny=2\n");
     ASSERT_EQ(c.bosPutProfileString("b", "z", "3"), 1);
@@ -168,7 +168,7 @@ TEST_F(Format, WritesPlaceNewEntriesUnderTheHeaderAndNewSectionsAtTheEnd)
     EXPECT_EQ(get("b", "z"), "DEF");
 }
 
-TEST_F(Format, DeletingWhatIsNotThereLeavesTheContent)
+TEST_F(ProfileFormat, DeletingWhatIsNotThereLeavesTheContent)
 {
     const std::string text = "[a]\nx=1\n";
     ZuIniFileCache& c = load(text);
@@ -182,7 +182,7 @@ TEST_F(Format, DeletingWhatIsNotThereLeavesTheContent)
     EXPECT_EQ(now, text);
 }
 
-TEST_F(Format, ANewSectionIsNeverGluedOntoALastLineWithoutLineFeed)
+TEST_F(ProfileFormat, ANewSectionIsNeverGluedOntoALastLineWithoutLineFeed)
 {
     ZuIniFileCache& c = load("[a]\nx=1");
     ASSERT_EQ(c.bosPutProfileString("t", "k", "v"), 1);
@@ -194,7 +194,7 @@ TEST_F(Format, ANewSectionIsNeverGluedOntoALastLineWithoutLineFeed)
     EXPECT_EQ(readText(path), "[a]\nk=v\n") << "a header at the very end gains its entry";
 }
 
-TEST_F(Format, ASameLengthRewriteWithinOneSecondChangesTheSize)
+TEST_F(ProfileFormat, ASameLengthRewriteWithinOneSecondChangesTheSize)
 {
     // The load and the write must fall into one second for the forced change
     // to be needed; try again when a second boundary came between them.
@@ -222,7 +222,7 @@ TEST_F(Format, ASameLengthRewriteWithinOneSecondChangesTheSize)
     GTEST_SKIP() << "every attempt crossed a second boundary";
 }
 
-TEST_F(Format, WideReadsConvertThroughIsoLatin1)
+TEST_F(ProfileFormat, WideReadsConvertThroughIsoLatin1)
 {
     load("[s\xe9]\nk\xe9y=v\xe4lue\n");
     const unsigned short section[] = {'s', 0xe9, 0};

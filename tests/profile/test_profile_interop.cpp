@@ -61,10 +61,10 @@ std::string randomWord(std::mt19937& rng, int minLength, int maxLength, bool inn
     return s;
 }
 
-class Interop : public ProfileDir {};
+class ProfileInterop : public ProfileDir {};
 }  // namespace
 
-TEST_F(Interop, WritesThroughTheCacheAreReadByUnixOdbcAndConfigparser)
+TEST_F(ProfileInterop, WritesThroughTheCacheAreReadByUnixOdbcAndConfigparser)
 {
     const std::string path = file("ours.ini");
     std::mt19937 rng(20240611);
@@ -122,7 +122,7 @@ TEST_F(Interop, WritesThroughTheCacheAreReadByUnixOdbcAndConfigparser)
     EXPECT_EQ(checked, 200);
 }
 
-TEST_F(Interop, FilesWrittenByUnixOdbcAreReadValueForValue)
+TEST_F(ProfileInterop, FilesWrittenByUnixOdbcAreReadValueForValue)
 {
     const std::string path = file("theirs.ini");
     std::mt19937 rng(777);
@@ -156,7 +156,7 @@ TEST_F(Interop, FilesWrittenByUnixOdbcAreReadValueForValue)
     }
 }
 
-TEST_F(Interop, DriverAndDsnInstalledByTheOdbcinstToolAreRead)
+TEST_F(ProfileInterop, DriverAndDsnInstalledByTheOdbcinstToolAreRead)
 {
     writeText(file("driver.tmpl"),
               "[HnDriver]\nDescription = A driver for the test\nDriver = /opt/hn/lib/libdrv.so\n"
