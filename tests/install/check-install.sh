@@ -12,7 +12,7 @@ cmake --install "$build" --prefix "$prefix" > /dev/null
 for f in lib/libhnsybr.so include/hnsyb/zu.h include/hnsyb/dsn.h \
          include/hnsyb/platform/ram.h include/hnsyb/core/array.h \
          locale/en_US/LC_MESSAGES/HNmback.mo locale/en_US/LC_MESSAGES/uxutl24.mo \
-         lib/pkgconfig/hnsyb.pc; do
+         lib/pkgconfig/hnsyb.pc lib/libhnsybs.so bin/hnsyb-setup; do
   [ -e "$prefix/$f" ] || fail "missing $f"
 done
 
@@ -87,4 +87,9 @@ allowed+='|_init$|_fini$|__bss_start$|_edata$|_end$)'
 stray=$(grep -vE "$allowed" <<< "$syms" | grep -vE '^__(asan|ubsan|sanitizer|odr_asan|tsan)' || true)
 [ -z "$stray" ] || fail "exported names outside the interface:
 $stray"
+# The setup library exports the installer's entry and nothing else of ours.
+setup_syms=$(nm -D --defined-only "$prefix/lib/libhnsybs.so" | awk '$2 ~ /^[TDBR]$/ { print $3 }' \
+  | grep -vE '^(_init|_fini|__bss_start|_edata|_end|__(asan|ubsan|sanitizer|odr_asan)).*' || true)
+[ "$setup_syms" = "ConfigDSN" ] || fail "libhnsybs.so exports: $setup_syms"
+"$prefix/bin/hnsyb-setup" --help > /dev/null || fail "installed hnsyb-setup does not run"
 echo "install layout, user program, catalogs and exports: ok"
