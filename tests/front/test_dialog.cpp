@@ -145,3 +145,51 @@ TEST_F(ConfigDSNWithWindow, IodbcAdministratorShowsOurDialog)
     EXPECT_TRUE(admin.running()) << "the administrator did not survive the dialog";
     EXPECT_FALSE(xdotool({"search", "--onlyvisible", "--name", "^iODBC Data Source Administrator$"}).empty());
 }
+
+class SetupCommandWithDisplay : public GuiTest {};
+
+// A person edits a data source with hnsyb-setup: types a new description
+// into the field and presses OK; the data source file shows it, and the
+// command ends with 0 once the dialog has gone.
+TEST_F(SetupCommandWithDisplay, EditsADataSourceTypedIntoTheDialog)
+{
+    PrivateOdbc odbc;
+    odbc.writeDataSources("[ODBC Data Sources]\nTyped = HNSYB Test\n\n[Typed]\nDescription = before\n");
+    Background setup({HNSYB_SETUP_PROGRAM, "--dsn", "Typed"});
+    ASSERT_TRUE(setup.started());
+    std::string dialog = xdotool({"search", "--sync", "--onlyvisible", "--class", kDialogClass});
+    ASSERT_FALSE(dialog.empty()) << "the dialog did not appear";
+    dialog = dialog.substr(0, dialog.find('\n'));
+    usleep(500 * 1000);
+    // The Description field of the General tab; Ctrl+/ selects its text.
+    xdotool({"mousemove", "--window", dialog, "275", "56", "click", "1"});
+    xdotool({"key", "--window", dialog, "ctrl+slash"});
+    xdotool({"type", "--window", dialog, "--delay", "20", "typed by a person"});
+    xdotool({"mousemove", "--window", dialog, kOkX, kButtonY, "click", "1"});
+    EXPECT_EQ(setup.wait(20000), 0);
+
+    IniFile file = readIni(odbc.dataSourceFile());
+    const IniSection* section = findSection(file, "Typed");
+    ASSERT_NE(section, nullptr) << readText(odbc.dataSourceFile());
+    ASSERT_NE(section->find("Description"), nullptr);
+    EXPECT_EQ(*section->find("Description"), "typed by a person");
+}
+
+// A new file data source: the dialog names it by its path, and OK writes
+// section "ODBC" of that file with the driver's name.
+TEST_F(SetupCommandWithDisplay, CreatesAFileDataSource)
+{
+    PrivateOdbc odbc;
+    std::string path = odbc.folder() + "/new.dsn";
+    Background setup({HNSYB_SETUP_PROGRAM, "--file", path, "--driver", kTestDriver});
+    ASSERT_TRUE(setup.started());
+    Background press = pressWhenShown(kOkX);
+    EXPECT_EQ(press.wait(40000), 0);
+    EXPECT_EQ(setup.wait(20000), 0);
+    IniFile file = readIni(path);
+    const IniSection* section = findSection(file, "ODBC");
+    ASSERT_NE(section, nullptr) << readText(path);
+    ASSERT_NE(section->find("Driver"), nullptr);
+    EXPECT_EQ(*section->find("Driver"), kTestDriver);
+    EXPECT_GE(section->keys.size(), 30u);
+}
