@@ -11,15 +11,23 @@
  *    (proFileSync); a rewrite that would leave both unchanged gains or loses
  *    one end of line, so that other processes see it;
  *  - state 1 means path and text are loaded and usable; anything else reads
- *    as "give the default";
+ *    as "give the default".  A cache of a missing driver file (.odbcinst.ini)
+ *    is in state 0 with its resolved name kept, and loads the file once it
+ *    exists;
+ *  - a reload that fails keeps the old path and text (and the date and size
+ *    that make the next probe try again); reads give defaults meanwhile;
  *  - a failed write leaves no descriptor open, no lock held and the cached
  *    text as it was.
  *
  * Locking: the list's semaphore guards the array and the use counts that can
- * end a cache; each cache's semaphore guards its text during a search, a
- * reload and a rewrite.  Order: list, then cache; a rewrite opens the file
- * before it takes the cache's semaphore.  Neither semaphore is recursive,
- * and proFileSync is never entered with the cache's semaphore held.
+ * end a cache; each cache's semaphore guards its text, paths, date and size
+ * during a probe, a search, a reload and a rewrite.  Order: list, then
+ * cache, then the file (a rewrite truncates the file only with the cache's
+ * semaphore held, so two threads never truncate under each other's writes).
+ * Between processes, writers wait for one another on a lock byte of the
+ * file (bounded wait) and re-read a file that changed before rewriting it.
+ * Neither semaphore is recursive, and proFileSync is never entered with the
+ * cache's semaphore held.
  *
  * Memory: a cache owns its paths and its text (heap, through ram).  The list
  * owns the caches in its array: close() destroys a cache whose use count
