@@ -71,8 +71,11 @@ Widget createMessageDialog(Widget parent, unsigned long type, char* text, char* 
         char name[] = "dialog";
         switch (type) {
         case DSN_BOX_INFORMATION:
-            XtSetArg(args[n], XmNdialogType, XmDIALOG_INFORMATION); ++n;
             dialog = XmCreateMessageDialog(parent, name, args, n);
+            // The convenience call makes a plain message box: the type is
+            // set once the box exists.
+            if (dialog != nullptr)
+                XtVaSetValues(dialog, XmNdialogType, XmDIALOG_INFORMATION, nullptr);
             break;
         case DSN_BOX_QUESTION:
             XtSetArg(args[n], XmNdialogType, XmDIALOG_QUESTION); ++n;
