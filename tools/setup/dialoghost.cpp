@@ -1,11 +1,13 @@
 #include "dialoghost.h"
 
+#include <X11/IntrinsicP.h>  // popup_list: Xt has no public accessor for popups
 #include <X11/Shell.h>
 #include <X11/StringDefs.h>
 
 #include <cstdlib>
 #include <cstring>
 #include <cstdio>
+#include <vector>
 
 #include "dsn.h"
 #include "dsn/attrlist.h"
@@ -24,6 +26,7 @@ constexpr const char* kAppClass = "HnsybSetup";
 struct Connection {
     XtAppContext app = nullptr;
     Display* display = nullptr;
+    Widget parent = nullptr;  // the invisible parent shell, kept with the connection
 };
 Connection connection;
 
@@ -46,8 +49,19 @@ bool openConnection(std::string& error)
         error = std::string("cannot open X display ") + name;
         return false;
     }
+    // An invisible parent: the dialog is a popup of it and is what the user
+    // sees.  It is realized so that the dialog has a window to be transient
+    // for, and kept for later dialogs (making a Motif shell is not cheap).
+    Arg args[4];
+    Cardinal n = 0;
+    XtSetArg(args[n], XtNmappedWhenManaged, False); ++n;
+    XtSetArg(args[n], XtNwidth, 1); ++n;
+    XtSetArg(args[n], XtNheight, 1); ++n;
+    Widget parent = XtAppCreateShell(kAppName, kAppClass, applicationShellWidgetClass, display, args, n);
+    XtRealizeWidget(parent);
     connection.app = app;
     connection.display = display;
+    connection.parent = parent;
     return true;
 }
 
@@ -78,6 +92,15 @@ nd* buildList(const Attributes& attributes, bool& complete)
     return head;
 }
 
+// Everything the dialog built: the popups of the parent (the dialog shell and
+// any box it left).  The list is copied first, as destruction edits it.
+void destroyPopups(Widget parent)
+{
+    std::vector<Widget> popups(parent->core.popup_list, parent->core.popup_list + parent->core.num_popups);
+    for (Widget popup : popups)
+        XtDestroyWidget(popup);
+}
+
 }  // namespace
 
 int runDialog(const DialogRequest& request, std::string& error, const DialogHooks* hooks)
@@ -86,15 +109,7 @@ int runDialog(const DialogRequest& request, std::string& error, const DialogHook
     if (!openConnection(error))
         return 1;
 
-    // An invisible parent: the dialog is a popup of it and is what the user
-    // sees.  It is realized so that the dialog has a window to be transient for.
-    Arg args[4];
-    Cardinal n = 0;
-    XtSetArg(args[n], XtNmappedWhenManaged, False); ++n;
-    XtSetArg(args[n], XtNwidth, 1); ++n;
-    XtSetArg(args[n], XtNheight, 1); ++n;
-    Widget shell = XtAppCreateShell(kAppName, kAppClass, applicationShellWidgetClass, connection.display, args, n);
-    XtRealizeWidget(shell);
+    Widget shell = connection.parent;
     if (hooks != nullptr && hooks->shellReady != nullptr)
         hooks->shellReady(connection.app, shell, hooks->data);
 
@@ -120,7 +135,7 @@ int runDialog(const DialogRequest& request, std::string& error, const DialogHook
             error = "the data source dialog could not run (see the dialog library's error list)";
     }
 
-    XtDestroyWidget(shell);
+    destroyPopups(shell);
     XSync(connection.display, False);
     return rc;
 }

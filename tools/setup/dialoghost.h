@@ -6,11 +6,12 @@
  * own toolkit (a GTK widget, a unixODBC structure, nothing at all), so it is
  * never used as an Xt widget.  Instead the front end keeps, for the life of
  * the process, one application context and one display connection opened on
- * $DISPLAY; each dialog gets a fresh, never-mapped application shell on it as
- * its parent, and runs its own modal loop there until OK or Cancel.  The call
- * returns only then, so the dialog is modal for as long as the call lasts;
- * afterwards the shell and everything the dialog built under it are
- * destroyed and the connection is synchronised, so no window is left behind.
+ * $DISPLAY, with a never-mapped application shell on it that is the parent
+ * of every dialog.  The dialog runs its own modal loop there until OK or
+ * Cancel, and the call returns only then, so it is modal for as long as the
+ * call lasts; afterwards everything the dialog built under the parent (its
+ * popups) is destroyed and the connection is synchronised, so no window is
+ * left behind.
  *
  * The dialog library takes over the record and the attribute list it is
  * given; everything else here is owned by the caller.
@@ -35,8 +36,8 @@ struct DialogRequest {
     Attributes initial;         // what the dialog's fields start from
 };
 
-// Called once the parent shell exists and before the dialog is built: the
-// benchmark and the screenshot mode schedule their work on `app` here.
+// Called for each dialog with the parent shell, before the dialog is built:
+// the benchmark and the screenshot mode schedule their work on `app` here.
 struct DialogHooks {
     void (*shellReady)(XtAppContext app, Widget shell, void* data) = nullptr;
     void* data = nullptr;
