@@ -29,6 +29,17 @@
 #include "installer.h"
 #include "screenshots.h"
 
+#ifdef __SANITIZE_ADDRESS__
+// Sanitizer builds only: memory that the X libraries keep for the life of the
+// process (the display connection stays open until exit) is not reported,
+// as in the test programs.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions()
+{
+    return "leak:libXt.so\nleak:libXm.so\nleak:libX11.so\nleak:libXext.so\n"
+           "leak:libXft.so\nleak:libfontconfig.so\n";
+}
+#endif
+
 namespace {
 
 using namespace hnsybs;
