@@ -40,12 +40,12 @@ void dialog_main_loop(Widget shell)
         return;  // loops do not nest: the running one serves every dialog
     loop_done = 0;
     current_shell = shell;
+    // One event, timer or input at a time, so that an end requested from a
+    // timer or input callback is seen at once (XtAppNextEvent would run such
+    // callbacks inside itself and wait on for the next X event).
     XtAppContext context = XtWidgetToApplicationContext(shell);
-    while (!loop_done) {
-        XEvent event;
-        XtAppNextEvent(context, &event);
-        XtDispatchEvent(&event);
-    }
+    while (!loop_done)
+        XtAppProcessEvent(context, XtIMAll);
     loop_done = 1;
     current_shell = nullptr;
 }

@@ -173,12 +173,12 @@ void motifMessageBox(void* parentPointer, const unsigned char* text, const unsig
     XtManageChild(box);
     // The one nested loop of the library: it serves every event of the
     // application until this box's OK (or close button) sets the flag.
+    // XtAppProcessEvent rather than XtAppNextEvent: the latter runs timer
+    // and input callbacks inside itself and waits on for an X event, so a
+    // flag set by one of those would not be seen until the next X event.
     XtAppContext context = XtWidgetToApplicationContext(box);
-    while (!done) {
-        XEvent event;
-        XtAppNextEvent(context, &event);
-        XtDispatchEvent(&event);
-    }
+    while (!done)
+        XtAppProcessEvent(context, XtIMAll);
     XtDestroyWidget(box);
 }
 

@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -170,6 +171,9 @@ protected:
     static void SetUpTestSuite()
     {
         GuiTest::SetUpTestSuite();
+        // One configuration for the suite: unixODBC fixes the folder of
+        // ODBCSYSINI at its first use in a process.
+        odbc_ = std::make_unique<PrivateOdbc>();
         int argc = 1;
         char name[] = "flow";
         char* argv[] = {name, nullptr};
@@ -188,15 +192,15 @@ protected:
             XtDestroyApplicationContext(app_);
         app_ = nullptr;
         top_ = nullptr;
+        odbc_.reset();
         GuiTest::TearDownTestSuite();
     }
     void SetUp() override
     {
         GuiTest::SetUp();
         ASSERT_NE(top_, nullptr);
-        odbc_ = std::make_unique<PrivateOdbc>();
+        ASSERT_NE(odbc_, nullptr);
     }
-    void TearDown() override { odbc_.reset(); }
 
     driverDSNName* newRecord(const std::string& name, unsigned short request = DSN_REQUEST_ADD)
     {
@@ -207,11 +211,12 @@ protected:
 
     static XtAppContext app_;
     static Widget top_;
-    std::unique_ptr<PrivateOdbc> odbc_;
+    static std::unique_ptr<PrivateOdbc> odbc_;
 };
 
 XtAppContext DialogFlow::app_ = nullptr;
 Widget DialogFlow::top_ = nullptr;
+std::unique_ptr<PrivateOdbc> DialogFlow::odbc_;
 
 std::vector<std::string> keysOf(const IniEntries& entries)
 {
@@ -359,7 +364,7 @@ TEST_F(DialogFlow, AFileDataSourceIsNamedByItsLockedPathAndSkipsTheNameCheck)
     expected.push_back("Driver");
     EXPECT_EQ(keysOf(readSection(path, "ODBC")), expected);
     EXPECT_EQ(iniValue(path, "ODBC", "Driver"), kTestDriver);
-    EXPECT_EQ(readWholeFile(odbc_->userFile()), "");
+    EXPECT_EQ(readWholeFile(odbc_->userFile()).find(odbc_->dir() + "/file.db"), std::string::npos);
 }
 
 TEST_F(DialogFlow, TestConnectShowsSuccessOrTheDriversOwnTextAndSavesFirst)
@@ -565,4 +570,67 @@ TEST_F(DialogFlow, ALongMessageBoxWaitsForItsOkAndWithoutAParentPrintsTheText)
                     reinterpret_cast<const unsigned char*>("Details"), 0);
     EXPECT_TRUE(presser.pressed);
     EXPECT_EQ(presser.shownText, "line one\nline two");
+}
+
+TEST_F(DialogFlow, TheNextMessageBoxReplacesTheLastOne)
+{
+    char text[] = "first";
+    char ok[] = "OK";
+    char empty[] = "";
+    char title[] = "Title";
+    Widget first = createMessageDialog(top_, DSN_BOX_INFORMATION, text, ok, empty, title);
+    ASSERT_NE(first, nullptr);
+    bool destroyed = false;
+    XtAddCallback(
+        first, XmNdestroyCallback, [](Widget, XtPointer flag, XtPointer) { *static_cast<bool*>(flag) = true; },
+        &destroyed);
+    XtManageChild(first);
+    char second[] = "second";
+    Widget next = createMessageDialog(top_, DSN_BOX_QUESTION, second, ok, empty, title);
+    ASSERT_NE(next, nullptr);
+    EXPECT_TRUE(destroyed);
+    unsigned char type = 0;
+    XtVaGetValues(next, XmNdialogType, &type, nullptr);
+    EXPECT_EQ(type, XmDIALOG_QUESTION);
+    // A question keeps its Cancel button; the others show OK alone.
+    EXPECT_TRUE(XtIsManaged(XmMessageBoxGetChild(next, XmDIALOG_CANCEL_BUTTON)));
+    EXPECT_FALSE(XtIsManaged(XmMessageBoxGetChild(next, XmDIALOG_HELP_BUTTON)));
+    // An unknown type makes no box at all.
+    EXPECT_EQ(createMessageDialog(top_, 9, second, ok, empty, title), nullptr);
+}
+
+TEST_F(DialogFlow, AStoredPasswordIsRevealedIntoItsFieldFromItsFirst143Characters)
+{
+    Widget field = XtVaCreateWidget("pw", xmTextWidgetClass, top_, nullptr);
+    ASSERT_NE(field, nullptr);
+    const std::string clear(100, 'q');
+    unsigned char* stored = nullptr;
+    ASSERT_EQ(getEncryptedHexifiedValue(reinterpret_cast<unsigned char*>(const_cast<char*>(clear.c_str())), &stored),
+              0);
+    const std::string storedText = reinterpret_cast<char*>(stored);
+    std::free(stored);
+    ASSERT_EQ(storedText.size(), 201u);
+
+    EXPECT_EQ(setDehexifiedDecryptedValue(const_cast<char*>(storedText.c_str()), nullptr, field), 0);
+    const std::string shown = fieldText(field);
+    unsigned char* head = nullptr;
+    std::string first143 = storedText.substr(0, DSN_REVEAL_MAX);
+    ASSERT_EQ(getDehexifiedDecryptedValue(reinterpret_cast<unsigned char*>(first143.data()), &head), 0);
+    EXPECT_EQ(shown, reinterpret_cast<char*>(head));
+    EXPECT_LE(shown.size(), 71u);
+    std::free(head);
+
+    // A short one comes back whole; an empty one leaves the field alone.
+    char shortStored[64];
+    unsigned char* protectedShort = nullptr;
+    getEncryptedHexifiedValue(reinterpret_cast<unsigned char*>(const_cast<char*>("open sesame")), &protectedShort);
+    std::strcpy(shortStored, reinterpret_cast<char*>(protectedShort));
+    std::free(protectedShort);
+    EXPECT_EQ(setDehexifiedDecryptedValue(shortStored, nullptr, field), 0);
+    EXPECT_EQ(fieldText(field), "open sesame");
+    char none[] = "";
+    EXPECT_EQ(setDehexifiedDecryptedValue(none, nullptr, field), 0);
+    EXPECT_EQ(fieldText(field), "open sesame");
+    EXPECT_EQ(setDehexifiedDecryptedValue(nullptr, nullptr, field), 1);
+    XtDestroyWidget(field);
 }
