@@ -36,6 +36,17 @@ void pressOk(Widget, XtPointer box, XtPointer)
     XtUnmanageChild(static_cast<Widget>(box));
 }
 
+// The box is a popup of its parent and dies with it, as when a front end
+// destroys the main dialog after the call: the global must not outlive it,
+// or the next box would destroy it a second time.  A box replaced while a
+// callback runs is destroyed only after the new one is the global, hence
+// the comparison.
+void forgetBox(Widget box, XtPointer, XtPointer)
+{
+    if (dialog == box)
+        dialog = nullptr;
+}
+
 }  // namespace
 
 void closeButtonCalls(Widget box, XtCallbackProc action, XtPointer data)
@@ -98,6 +109,7 @@ Widget createMessageDialog(Widget parent, unsigned long type, char* text, char* 
         showOutOfMemoryError(parent);
         return nullptr;
     }
+    XtAddCallback(dialog, XmNdestroyCallback, forgetBox, nullptr);
     XtUnmanageChild(XmMessageBoxGetChild(dialog, XmDIALOG_HELP_BUTTON));
     if (type != DSN_BOX_QUESTION)
         XtUnmanageChild(XmMessageBoxGetChild(dialog, XmDIALOG_CANCEL_BUTTON));
