@@ -10,18 +10,24 @@
 //   BM_BareNotebookDialog: a template dialog with a notebook of nine empty
 //     Form pages on an application shell, managed, until its first Expose.
 //
-// Both run on an already open display connection (one per side, opened once
+// Warm (BM_BareNotebookDialog, BM_DataSourceDialog): both run in this
+// process on an already open display connection (one per side, opened once
 // before timing), so connection set-up and font loading are not counted.
+//
+// Fresh (the same names ending in Fresh): every dialog in a new process,
+// spawned from here (bench_dialog_bare_child, a program linked with the
+// toolkit alone, and bench_dialog_child, linked like hnsyb-setup), timed from just before the spawn
+// to the first Expose: for the bare dialog process start, display opened,
+// dialog shown; for ours process start, the entry call (keys read, display
+// opened by the front end), dialog shown.  This is what a user waits for
+// when an administrator or hnsyb-setup starts.
+//
 // Manual time per iteration; the dialog's Cancel and the bare dialog's
-// destruction fall outside it.
+// destruction fall outside it.  round_trips counts the requests that waited
+// for the X server's answer (xreply_counter.h).  The medians and the ratios
+// of the medians are printed at the end.
 #include <benchmark/benchmark.h>
 
-#include <Xm/Xm.h>
-#include <Xm/Form.h>
-#include <Xm/MessageB.h>
-#include <Xm/Notebook.h>
-#include <Xm/PushB.h>
-#include <X11/Shell.h>
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
@@ -29,20 +35,26 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <string>
+#include <vector>
 
+#include "dialog_startup_common.h"
 #include "dialoghost.h"
 #include "installer.h"
+#include "xreply_counter.h"
 
 extern char** environ;
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using hnsyb_bench::Clock;
 
 // --- A private X server for the run -------------------------------------
 
@@ -133,48 +145,24 @@ bool writeConfiguration()
     return true;
 }
 
-// --- The data source dialog ------------------------------------------------
+// --- Samples, for the medians and ratios printed at the end ---------------
 
-struct ExposeProbe {
-    XtAppContext app = nullptr;
-    Widget shell = nullptr;
-    Clock::time_point shellReady{};
-    Clock::time_point exposed{};
-    bool seen = false;
-};
+std::map<std::string, std::vector<double>> samples;  // milliseconds by benchmark
+
+double median(std::vector<double> values)
+{
+    if (values.empty())
+        return 0;
+    std::sort(values.begin(), values.end());
+    const std::size_t middle = values.size() / 2;
+    return values.size() % 2 != 0 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+}
+
+// --- Warm: in this process, display connections already open --------------
+
 // Share of the front end (environment, connection, parent shell) in the
 // last dialog, in seconds: the time from the call to the parent's creation.
 double frontShare = 0;
-ExposeProbe probe;
-XtEventDispatchProc defaultExposeDispatcher = nullptr;
-
-void cancelDialog(XtPointer, XtIntervalId*)
-{
-    if (Widget cancel = XtNameToWidget(probe.shell, "*btnCancel"))
-        XtCallCallbacks(cancel, XmNactivateCallback, nullptr);
-}
-
-Boolean exposeDispatcher(XEvent* event)
-{
-    if (!probe.seen) {
-        probe.exposed = Clock::now();
-        probe.seen = true;
-        // Cancel once this event has been handled, as a user's click would.
-        XtAppAddTimeOut(probe.app, 0, cancelDialog, nullptr);
-    }
-    return defaultExposeDispatcher(event);
-}
-
-void watchExposes(XtAppContext app, Widget shell, void*)
-{
-    probe.app = app;
-    probe.shell = shell;
-    probe.seen = false;
-    probe.shellReady = Clock::now();
-    XtEventDispatchProc previous = XtSetEventDispatcher(XtDisplay(shell), Expose, exposeDispatcher);
-    if (previous != exposeDispatcher)
-        defaultExposeDispatcher = previous;
-}
 
 // One dialog, as ConfigDSN opens it for a configure request; the time from
 // the call to the first Expose, or a negative value when it failed.
@@ -187,103 +175,162 @@ double showDataSourceDialog(std::string& error)
     request.dsn = "Bench";
     request.initial = hnsybs::currentDataSource("Bench");
     hnsybs::DialogHooks hooks;
-    hooks.shellReady = watchExposes;
-    if (hnsybs::runDialog(request, error, &hooks) != 0 || !probe.seen)
+    hooks.shellReady = hnsyb_bench::watchExposes;
+    if (hnsybs::runDialog(request, error, &hooks) != 0 || !hnsyb_bench::probe.seen)
         return -1;
-    frontShare = std::chrono::duration<double>(probe.shellReady - start).count();
-    return std::chrono::duration<double>(probe.exposed - start).count();
+    frontShare = std::chrono::duration<double>(hnsyb_bench::probe.shellReady - start).count();
+    return std::chrono::duration<double>(hnsyb_bench::probe.exposed - start).count();
 }
 
 void BM_DataSourceDialog(benchmark::State& state)
 {
     double serverStart = serverCpuSeconds();
     double front = 0;
+    unsigned long trips = 0;
     for (auto _ : state) {
         std::string error;
+        const unsigned long tripsBefore = hnsyb_bench::roundTrips();
         double seconds = showDataSourceDialog(error);
         if (seconds < 0) {
             state.SkipWithError(error.empty() ? "the dialog was not exposed" : error.c_str());
             return;
         }
+        trips += hnsyb_bench::roundTrips() - tripsBefore;
         state.SetIterationTime(seconds);
+        samples["BM_DataSourceDialog"].push_back(seconds * 1000);
         front += frontShare;
     }
     state.counters["front_end_ms"] = benchmark::Counter(front * 1000, benchmark::Counter::kAvgIterations);
+    state.counters["round_trips"] = benchmark::Counter(static_cast<double>(trips), benchmark::Counter::kAvgIterations);
     state.counters["server_cpu_ms"] =
         benchmark::Counter((serverCpuSeconds() - serverStart) * 1000, benchmark::Counter::kAvgIterations);
 }
 
-// --- The bare notebook dialog ---------------------------------------------
-
 XtAppContext bareApp = nullptr;
 Display* bareDisplay = nullptr;
-bool bareExposed = false;
-
-void noteExpose(Widget, XtPointer, XEvent*, Boolean*) { bareExposed = true; }
 
 double showBareDialog()
 {
     Clock::time_point start = Clock::now();
-    Arg args[8];
-    Cardinal n = 0;
-    XtSetArg(args[n], XmNmappedWhenManaged, False); ++n;
-    XtSetArg(args[n], XmNwidth, 1); ++n;
-    XtSetArg(args[n], XmNheight, 1); ++n;
-    Widget shell = XtAppCreateShell("bare", "HnsybBare", applicationShellWidgetClass, bareDisplay, args, n);
-    XtRealizeWidget(shell);
-    n = 0;
-    XtSetArg(args[n], XmNwidth, 525); ++n;
-    XtSetArg(args[n], XmNheight, 505); ++n;
-    XtSetArg(args[n], XmNdialogStyle, XmDIALOG_FULL_APPLICATION_MODAL); ++n;
-    XtSetArg(args[n], XmNresizePolicy, XmRESIZE_NONE); ++n;
-    Widget dialog = XmCreateTemplateDialog(shell, const_cast<char*>("bare"), args, n);
-    Widget form = XmCreateForm(dialog, const_cast<char*>("form"), nullptr, 0);
-    n = 0;
-    XtSetArg(args[n], XmNtopAttachment, XmATTACH_FORM); ++n;
-    XtSetArg(args[n], XmNbottomAttachment, XmATTACH_FORM); ++n;
-    XtSetArg(args[n], XmNleftAttachment, XmATTACH_FORM); ++n;
-    XtSetArg(args[n], XmNrightAttachment, XmATTACH_FORM); ++n;
-    XtSetArg(args[n], XmNorientation, XmVERTICAL); ++n;
-    XtSetArg(args[n], XmNbindingType, XmNONE); ++n;
-    Widget notebook = XmCreateNotebook(form, const_cast<char*>("notebook"), args, n);
-    static const char* const names[] = {"General", "Advanced", "Bulk", "Pooling", "Security",
-                                        "Connection", "Performance", "Failover", "About"};
-    for (const char* name : names) {
-        XtManageChild(XmCreateForm(notebook, const_cast<char*>(name), nullptr, 0));
-        XtManageChild(XmCreatePushButton(notebook, const_cast<char*>(name), nullptr, 0));
-    }
-    XtManageChild(notebook);
-    XtManageChild(form);
-    bareExposed = false;
-    XtAddEventHandler(form, ExposureMask, False, noteExpose, nullptr);
-    XtManageChild(dialog);
-    Clock::time_point exposed{};
-    for (;;) {
-        XEvent event;
-        XtAppNextEvent(bareApp, &event);
-        bool first = !bareExposed && event.type == Expose;
-        XtDispatchEvent(&event);
-        if (first) {
-            exposed = Clock::now();
-            break;
-        }
-    }
-    XtDestroyWidget(shell);
-    XSync(bareDisplay, False);
+    Clock::time_point exposed = hnsyb_bench::showBareDialog(bareApp, bareDisplay);
     return std::chrono::duration<double>(exposed - start).count();
 }
 
 void BM_BareNotebookDialog(benchmark::State& state)
 {
     double serverStart = serverCpuSeconds();
-    for (auto _ : state)
-        state.SetIterationTime(showBareDialog());
+    unsigned long trips = 0;
+    for (auto _ : state) {
+        const unsigned long tripsBefore = hnsyb_bench::roundTrips();
+        const double seconds = showBareDialog();
+        trips += hnsyb_bench::roundTrips() - tripsBefore;
+        state.SetIterationTime(seconds);
+        samples["BM_BareNotebookDialog"].push_back(seconds * 1000);
+    }
+    state.counters["round_trips"] = benchmark::Counter(static_cast<double>(trips), benchmark::Counter::kAvgIterations);
     state.counters["server_cpu_ms"] =
         benchmark::Counter((serverCpuSeconds() - serverStart) * 1000, benchmark::Counter::kAvgIterations);
 }
 
+// --- Fresh: a new process for every dialog ---------------------------------
+
+struct ChildFigures {
+    double mainMs = 0;     // process start to main (exec, dynamic loading)
+    double entryMs = 0;    // process start to the entry call
+    double exposedMs = 0;  // process start to the first Expose
+    double trips = 0;      // round trips the child made in all
+};
+
+// Spawns the helper for one dialog and reads its figures; false (with the
+// reason in `error`) when it failed.  The helper ends itself after 20 s.
+bool runChild(const char* mode, ChildFigures& figures, std::string& error)
+{
+    int pipeEnds[2];
+    if (pipe(pipeEnds) != 0) {
+        error = "no pipe";
+        return false;
+    }
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, pipeEnds[1], 1);
+    posix_spawn_file_actions_addclose(&actions, pipeEnds[0]);
+    posix_spawn_file_actions_addclose(&actions, pipeEnds[1]);
+    const long long start =
+        std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now().time_since_epoch()).count();
+    std::string startText = std::to_string(start);
+    const char* program = std::strcmp(mode, "bare") == 0 ? HNSYB_BENCH_BARE_CHILD : HNSYB_BENCH_CHILD;
+    char* argv[] = {const_cast<char*>(program), const_cast<char*>(mode), startText.data(),
+                    const_cast<char*>(kDriver), const_cast<char*>("Bench"), nullptr};
+    pid_t child = -1;
+    const int rc = posix_spawn(&child, program, &actions, nullptr, argv, environ);
+    posix_spawn_file_actions_destroy(&actions);
+    close(pipeEnds[1]);
+    std::string output;
+    if (rc == 0) {
+        char buffer[256];
+        ssize_t got;
+        while ((got = read(pipeEnds[0], buffer, sizeof buffer)) > 0)
+            output.append(buffer, static_cast<std::size_t>(got));
+    }
+    close(pipeEnds[0]);
+    int status = 0;
+    if (rc != 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+        error = std::string("the helper failed for ") + mode;
+        return false;
+    }
+    long long mainNs = 0, entryNs = 0, exposedNs = 0;
+    unsigned long trips = 0;
+    if (std::sscanf(output.c_str(), "%lld %lld %lld %lu", &mainNs, &entryNs, &exposedNs, &trips) != 4) {
+        error = "the helper printed no figures";
+        return false;
+    }
+    figures = {mainNs / 1e6, entryNs / 1e6, exposedNs / 1e6, static_cast<double>(trips)};
+    return true;
+}
+
+void freshDialogs(benchmark::State& state, const char* mode, const char* key)
+{
+    double serverStart = serverCpuSeconds();
+    ChildFigures sum;
+    for (auto _ : state) {
+        ChildFigures figures;
+        std::string error;
+        if (!runChild(mode, figures, error)) {
+            state.SkipWithError(error.c_str());
+            return;
+        }
+        state.SetIterationTime(figures.exposedMs / 1000);
+        samples[key].push_back(figures.exposedMs);
+        sum.mainMs += figures.mainMs;
+        sum.entryMs += figures.entryMs;
+        sum.trips += figures.trips;
+    }
+    state.counters["to_main_ms"] = benchmark::Counter(sum.mainMs, benchmark::Counter::kAvgIterations);
+    state.counters["to_entry_ms"] = benchmark::Counter(sum.entryMs, benchmark::Counter::kAvgIterations);
+    state.counters["round_trips"] = benchmark::Counter(sum.trips, benchmark::Counter::kAvgIterations);
+    state.counters["server_cpu_ms"] =
+        benchmark::Counter((serverCpuSeconds() - serverStart) * 1000, benchmark::Counter::kAvgIterations);
+}
+
+void BM_BareNotebookDialogFresh(benchmark::State& state) { freshDialogs(state, "bare", "BM_BareNotebookDialogFresh"); }
+void BM_DataSourceDialogFresh(benchmark::State& state) { freshDialogs(state, "dialog", "BM_DataSourceDialogFresh"); }
+
 BENCHMARK(BM_BareNotebookDialog)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(30);
 BENCHMARK(BM_DataSourceDialog)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(30);
+BENCHMARK(BM_BareNotebookDialogFresh)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(30);
+BENCHMARK(BM_DataSourceDialogFresh)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(30);
+
+void printRatio(const char* what, const char* bare, const char* ours)
+{
+    const auto b = samples.find(bare);
+    const auto o = samples.find(ours);
+    if (b == samples.end() || o == samples.end() || b->second.empty() || o->second.empty())
+        return;
+    const double bareMedian = median(b->second);
+    const double oursMedian = median(o->second);
+    std::printf("  %-44s bare %6.2f ms, data source dialog %6.2f ms: %.2fx\n", what, bareMedian, oursMedian,
+                oursMedian / bareMedian);
+}
 
 }  // namespace
 
@@ -318,6 +365,10 @@ int main(int argc, char** argv)
                         "data source dialog %.1f ms\n", bareCold * 1000, dialogCold * 1000);
             benchmark::Initialize(&argc, argv);
             benchmark::RunSpecifiedBenchmarks();
+            std::printf("\nMedians, and the data source dialog's time over the bare dialog's:\n");
+            printRatio("warm (display open, in process)", "BM_BareNotebookDialog", "BM_DataSourceDialog");
+            printRatio("fresh (process start to first Expose)", "BM_BareNotebookDialogFresh",
+                       "BM_DataSourceDialogFresh");
             benchmark::Shutdown();
             status = 0;
         }

@@ -9,6 +9,7 @@
 #include <dlfcn.h>
 
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 
 #include "../core/errorlist.h"
@@ -39,6 +40,21 @@ Widget AboutForm = nullptr;
 Widget lbFileName, lbVersion, lbDate, lbFileSize, lbCompName, lbAddress1, lbAddress2;
 
 typedef const char* (*TextFunction)();
+
+// The company and version read from a library by the last About tab, kept
+// for the process with the file's date and size.  Reading them loads and
+// unloads the driver's library (relocations, its dependencies, their
+// constructors), which is most of the tab's cost; a dialog opened again for
+// the same file, unchanged, reuses what was read.
+struct LibraryTexts {
+    bool valid = false;
+    char path[sizeof fileName];
+    unsigned long date;
+    unsigned long size;
+    char company[sizeof CompanyName];
+    char version[sizeof FileVersion];
+};
+LibraryTexts lastLibrary;
 
 // A label showing `text`, aligned to the beginning; null when not made.
 Widget valueLabel(Widget parent, const char* name, const char* text, int top, int bottom, int left, int right)
@@ -81,6 +97,62 @@ Widget iconLabel(Widget parent, const char* name, const char** data, int top)
     setControlRect(label, top, top + 32, 8, 40);
     XtManageChild(label);
     return label;
+}
+
+// The shift of a channel whose mask holds exactly eight adjacent bits, or
+// -1 for any other mask.
+int byteChannelShift(unsigned long mask)
+{
+    for (int shift = 0; shift + 8 <= static_cast<int>(sizeof mask * 8); ++shift)
+        if (mask == 0xFFUL << shift)
+            return shift;
+    return -1;
+}
+
+// True when a colour's pixel on `visual` can be computed here exactly as the
+// server would allocate it: TrueColor with eight bits a channel (depth 24
+// and 32), where the server takes each component's top byte.  Shallower
+// channels are rounded by the server's own rule, so they are asked of it.
+bool computedPixels(const Visual* visual)
+{
+    return visual != nullptr && visual->c_class == TrueColor && byteChannelShift(visual->red_mask) >= 0 &&
+           byteChannelShift(visual->green_mask) >= 0 && byteChannelShift(visual->blue_mask) >= 0;
+}
+
+// The icons' colour allocator.  libXpm's own allocator makes one blocking
+// round trip to the server per colour (about two dozen for the four icons);
+// on a visual where the pixel follows from the colour alone the same pixel
+// is computed here instead.  Other visuals allocate from the colormap as
+// libXpm would.  The icons give colours as "#RRGGBB", which XParseColor
+// reads without the server.  Returns 1 when allocated, 0 when not, -1 when
+// the name is bad (libXpm's contract).
+int allocIconColor(Display* display, Colormap colormap, char* name, XColor* color, void* closure)
+{
+    if (name != nullptr && XParseColor(display, colormap, name, color) == 0)
+        return -1;
+    const Visual* visual = static_cast<const Visual*>(closure);
+    if (!computedPixels(visual))
+        return XAllocColor(display, colormap, color) != 0 ? 1 : 0;
+    // The component's top byte, and the value the server reports back for
+    // it (that byte repeated).
+    const auto channel = [](unsigned short& component, unsigned long mask) {
+        const unsigned long top = component >> 8;
+        component = static_cast<unsigned short>(top * 257);
+        return top << byteChannelShift(mask);
+    };
+    color->pixel = channel(color->red, visual->red_mask) | channel(color->green, visual->green_mask) |
+                   channel(color->blue, visual->blue_mask);
+    color->flags = DoRed | DoGreen | DoBlue;
+    return 1;
+}
+
+// Frees what allocIconColor allocated: nothing where the pixels were
+// computed, since no colormap cell was taken.
+int freeIconColors(Display* display, Colormap colormap, Pixel* pixels, int count, void* closure)
+{
+    if (!computedPixels(static_cast<const Visual*>(closure)))
+        XFreeColors(display, colormap, pixels, count, 0);
+    return 1;
 }
 
 }  // namespace
@@ -128,7 +200,8 @@ void setAboutInfo(unsigned char* driverPath)
     strCopy(fileName, sizeof fileName, path);
     unsigned long date = 0;
     unsigned long size = 0;
-    if (bosFileDateSize(fileName, &date, &size) == 0) {
+    const bool dated = bosFileDateSize(fileName, &date, &size) == 0;
+    if (dated) {
         const std::time_t when = static_cast<std::time_t>(date);
         std::tm local{};
         localtime_r(&when, &local);
@@ -143,7 +216,21 @@ void setAboutInfo(unsigned char* driverPath)
     } else {
         fileDate[0] = 0;
     }
-    getCompNameAndVersion(fileName, CompanyName, FileVersion, 0);
+    if (dated && lastLibrary.valid && lastLibrary.date == date && lastLibrary.size == size &&
+        std::strcmp(lastLibrary.path, fileName) == 0) {
+        strCopy(CompanyName, sizeof CompanyName, lastLibrary.company);
+        strCopy(FileVersion, sizeof FileVersion, lastLibrary.version);
+    } else {
+        getCompNameAndVersion(fileName, CompanyName, FileVersion, 0);
+        lastLibrary.valid = dated;
+        if (dated) {
+            strCopy(lastLibrary.path, sizeof lastLibrary.path, fileName);
+            lastLibrary.date = date;
+            lastLibrary.size = size;
+            strCopy(lastLibrary.company, sizeof lastLibrary.company, CompanyName);
+            strCopy(lastLibrary.version, sizeof lastLibrary.version, FileVersion);
+        }
+    }
     LoadStringFromOpenFile(Rfile, MSG_ABOUT_ADDRESS1, compAddr1, sizeof compAddr1);
     LoadStringFromOpenFile(Rfile, MSG_ABOUT_ADDRESS2, compAddr2, sizeof compAddr2);
 }
@@ -166,7 +253,11 @@ int getPFIconIPixmap(unsigned long* pixmap, char** xpmData)
     XpmColorSymbol transparent{nullptr, const_cast<char*>("None"), background};
     attributes.colorsymbols = &transparent;
     attributes.numsymbols = 1;
-    attributes.valuemask = XpmVisual | XpmColormap | XpmDepth | XpmColorSymbols;
+    attributes.alloc_color = allocIconColor;
+    attributes.free_colors = freeIconColors;
+    attributes.color_closure = attributes.visual;
+    attributes.valuemask = XpmVisual | XpmColormap | XpmDepth | XpmColorSymbols | XpmAllocColor | XpmFreeColors |
+                           XpmColorClosure;
     Pixmap image = 0;
     const int rc = XpmCreatePixmapFromData(shown, RootWindowOfScreen(XtScreen(AboutForm)), xpmData, &image,
                                            nullptr, &attributes);
