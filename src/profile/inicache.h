@@ -69,6 +69,10 @@ public:
     // 0 when the text is current or has been reloaded; non-zero when it is
     // unusable.  Must not be called with the cache's semaphore held.
     int proFileSync();
+    // Loads a cache that is not usable (a driver file that was missing when
+    // it was first cached) by `name` with `mode`, under the semaphore, as a
+    // new cache would be; 0 when it is usable afterwards.
+    int loadIfUnusable(const char* name, unsigned long mode);
 
     // A value, the list of section names (section null) or of a section's
     // entry names (entry null).  Returns a length; never reports.

@@ -283,6 +283,16 @@ int ZuIniFileCache::lockUsable()
     return 0;
 }
 
+int ZuIniFileCache::loadIfUnusable(const char* name, unsigned long mode)
+{
+    if (name == nullptr)
+        return 1;
+    ZuSemaphoreGuard guard(lock_);
+    if (state_ == StateLoaded)
+        return 0;
+    return load(name, mode) != 0 || state_ != StateLoaded ? 1 : 0;
+}
+
 int ZuIniFileCache::hasPath(const char* path)
 {
     ZuSemaphoreGuard guard(lock_);

@@ -50,6 +50,11 @@ ZuIniFileCache* ZuIniFileCacheList::openNamed(const char* name, const unsigned s
         auto* cache = static_cast<ZuIniFileCache*>(caches_.at(i));
         if (cache->hasPath(resolved)) {
             cache->incrementUseCount();
+            // A missing driver file stays cached (unusable) after a read; a
+            // later open that may create the file (a write) loads it as a
+            // fresh cache would, or the file could never be written.
+            if (mode & (BOS_OPEN_CREATE | BOS_OPEN_CREATE_IF_MISSING))
+                cache->loadIfUnusable(name, mode);
             return cache;
         }
     }

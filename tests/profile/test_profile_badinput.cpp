@@ -134,6 +134,33 @@ TEST_F(ProfileBadInput, AMissingDriverFileGivesDefaultsAndLeavesNoError)
     EXPECT_EQ(errors.getWarningCount(), 1);
 }
 
+// The task's list keeps the cache of a missing driver file; a later write by
+// name must still create the file, as it does when no read came first.
+TEST_F(ProfileBadInput, AWriteCreatesADriverFileThatAnEarlierReadFoundMissing)
+{
+    env.unset("ODBCINST");
+    const std::string home = file(".odbcinst.ini");
+    char value[32];
+    EXPECT_EQ(zuGetProfileString("ODBC", "InstallDir", "dflt", value, sizeof value, ".odbcinst.ini"), 4);
+    ASSERT_EQ(fileSize(home), -1) << "a read creates nothing";
+    EXPECT_EQ(zuWriteProfileString("ODBC", "InstallDir", "/opt/x", ".odbcinst.ini"), 1);
+    EXPECT_EQ(readText(home), "[ODBC]\nInstallDir=/opt/x\n");
+    EXPECT_EQ(zuGetProfileString("ODBC", "InstallDir", "dflt", value, sizeof value, ".odbcinst.ini"), 6);
+    EXPECT_STREQ(value, "/opt/x");
+    // ZuIni (the private family's open), after a read of another missing
+    // driver file name by the keeping family.
+    ZuIniFileCacheList* list = zuGetIniFileCacheList();
+    ASSERT_NE(list, nullptr);
+    const unsigned before = list->getCount();
+    EXPECT_EQ(zuGetProfileString("s", "k", "d", value, sizeof value, "ODBCINST.INI"), 1);
+    ZuIni ini;
+    ASSERT_EQ(ini.open("ODBCINST.INI"), 0);
+    ini.writeEntry("s", "k", "v");
+    EXPECT_EQ(readText(file("ODBCINST.INI")), "[s]\nk=v\n");
+    EXPECT_EQ(list->getCount(), before + 1) << "one cache for the name, shared";
+    EXPECT_EQ(errors.getCount(), 0u) << "no error stays behind";
+}
+
 TEST_F(ProfileBadInput, ReadOnlyFileAndFolderAreReadButNotWritten)
 {
     const std::string path = file("ro/locked.ini");
