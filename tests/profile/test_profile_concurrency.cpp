@@ -171,3 +171,49 @@ TEST_F(ProfileConcurrency, AnotherProcessesEqualLengthChangeInTheSameSecondIsSee
     }
     GTEST_SKIP() << "every attempt crossed a second boundary";
 }
+
+// The task's list from many threads at once: the private family opens and
+// closes the cache around every call, the keeping family and a ZuIni hold it,
+// and the writes of every thread arrive.
+TEST_F(ProfileConcurrency, ThreadsSharingTheTaskListByFileNameLoseNothing)
+{
+    const std::string path = file("listed.ini");
+    writeText(path, "[common]\nseed=1\n");
+    constexpr int kThreads = 4;
+    constexpr int kKeys = 25;
+    std::atomic<int> failures{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([&, t] {
+            ZuErrorList list(nullptr, 1);
+            ZuErrorKeeper::setErrorList(&list);
+            ZuIni ini;
+            if (ini.open(path.c_str()) != 0)
+                ++failures;
+            for (int k = 0; k < kKeys; ++k) {
+                const std::string entry = "t" + std::to_string(t) + "k" + std::to_string(k);
+                const std::string value = "v" + std::to_string(t) + "-" + std::to_string(k);
+                if (zuWritePrivateProfileString("s", entry.c_str(), value.c_str(), path.c_str()) != 1)
+                    ++failures;
+                char got[64];
+                if (zuGetPrivateProfileString("s", entry.c_str(), "", got, sizeof got, path.c_str()) <= 0 ||
+                    value != got)
+                    ++failures;
+                if (zuGetProfileString("common", "seed", "", got, sizeof got, path.c_str()) != 1)
+                    ++failures;
+                ini.getEntry("common", "seed", got, sizeof got, "");
+                if (std::string(got) != "1")
+                    ++failures;
+            }
+            ini.close();
+            ZuErrorKeeper::giveUpErrorList();
+        });
+    }
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(failures.load(), 0);
+    for (int t = 0; t < kThreads; ++t)
+        for (int k = 0; k < kKeys; ++k)
+            EXPECT_EQ(valueOf(path, "s", "t" + std::to_string(t) + "k" + std::to_string(k)),
+                      "v" + std::to_string(t) + "-" + std::to_string(k));
+}
