@@ -84,8 +84,14 @@ int callBackendFunc(void* parent, driverDSNName* dsn, nd* list)
     if (CONNECT_BACK_DLG == nullptr) {
         void* entry = BACKEND_HANDLE_CFG != nullptr ? dlsym(BACKEND_HANDLE_CFG, BACK_DLG_FUNC) : nullptr;
         if (entry == nullptr) {
+            // HINSTFRONTEND names the catalog that holds this text.  The
+            // platform's LoadString reads only the process-wide catalog, which
+            // nothing on this path has opened, so the named catalog is opened
+            // for this one lookup and closed again.
             char format[256];
-            LoadString(const_cast<char*>(HINSTFRONTEND), MSG_NO_BACKEND_ENTRY, format, sizeof format);
+            nl_catd front = OpenStrings(HINSTFRONTEND, nullptr);
+            LoadStringFromOpenFile(front, MSG_NO_BACKEND_ENTRY, format, sizeof format);
+            CloseStrings(front);
             char text[512];
             fillFirstPlaceholder(text, sizeof text, format, BACK_DLG_FUNC);
             addDatabaseError(0, MSG_NO_BACKEND_ENTRY, text, 0, static_cast<zuCPType>(1));

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/catalog.h"
 #include "core/errorlist.h"
 #include "dsn.h"
 #include "dsn/backend_impl.h"
@@ -331,6 +332,7 @@ TEST(BackendEntry, TheLibraryNameRuleTurnsAFinalLowerCaseSIntoRAndTheFirstLibrar
 TEST(BackendEntry, ALibraryWithoutTheEntryReportsMessage7453)
 {
     BackendBinding keep;
+    bosSetInstallDir(HNSYB_BINARY_DIR);
     ZuErrorList errors(nullptr, 1);
     ZuErrorKeeper::setErrorList(&errors);
     void* other = dlopen("libodbcinst.so.2", RTLD_NOW);
@@ -341,6 +343,9 @@ TEST(BackendEntry, ALibraryWithoutTheEntryReportsMessage7453)
     EXPECT_EQ(CONNECT_BACK_DLG, nullptr);
     ASSERT_TRUE(errors.isExistingError());
     EXPECT_EQ(errors.getLastError()->getNativeError(), 7453);
+    // The text comes from the front end's catalog, with the entry's name.
+    EXPECT_NE(std::string(errors.getLastError()->getErrorText()).find("could not find the dialog entry invokeBackend"),
+              std::string::npos) << errors.getLastError()->getErrorText();
     ZuErrorKeeper::giveUpErrorList();
     dlclose(other);
 }
