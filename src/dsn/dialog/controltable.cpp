@@ -156,6 +156,24 @@ void readDropDown(int index, Widget w, char* value)
 
 }  // namespace
 
+void forgetListOfWidgets()
+{
+    Widget* const controls[] = {&txtSybDSNAme, &txtSybDesc, &txtSybNetAddr, &txtSybDBName, &txtappcodepage,
+                     &cmbSybCursPos, &txtSybDefBufSz, &txtInitializationString, &cmbSybCodePConvErrors,
+                     &tgSybThreads, &tgSybQuotedIdentifiers, &tgSybDescParameters, &tgSybTruncTimeType,
+                     &txtSybDBList, &txtUserNameSectab, &txtSybWorkstationID, &txtSybCharset, &txtSybAppName,
+                     &txtSybLang, &cbAuthMethodSectab, &txtServicePrnNameSectab, &txtGssLibSectab, &cbselmethod,
+                     &cbprepmethod, &txtfetcharray, &txtpacsize, &txtconcachesize, &tgloadbal, &txtaltserv,
+                     &txtconretcnt, &txtconretdel, &cbEncryptMethodSectab, &tgValidServerCertSectab,
+                     &txtTrustStoreSectab, &txtTrustStorePwdSecTab, &txtHostNameCertSectab, &txtLoginTimeout,
+                     &txtQueryTimeout};
+    static_assert(sizeof controls / sizeof controls[0] == ZU_DSN_CONTROL_COUNT, "one widget a row");
+    for (int i = 0; i < ZU_DSN_CONTROL_COUNT; i++) {
+        *controls[i] = nullptr;
+        iddlgname[i] = nullptr;
+    }
+}
+
 void createListOfWidgets()
 {
     const Widget controls[] = {txtSybDSNAme, txtSybDesc, txtSybNetAddr, txtSybDBName, txtappcodepage, cmbSybCursPos,

@@ -49,6 +49,8 @@ ZU_EXPORT extern const int idtype[ZU_DSN_CONTROL_COUNT];
 
 // Fills iddlgname from the global widget variables, in table order.
 ZU_EXPORT void createListOfWidgets();
+// Forgets every control (and the table), before a dialog is built again.
+ZU_EXPORT void forgetListOfWidgets();
 
 // Sets the controls from keyValNodeHeadL (keys matched case-insensitively; a
 // key without a row is ignored), then frees the list and nulls the head.  On

@@ -94,6 +94,9 @@ void createButtonRow(Widget form)
 
 void create_shell1(unsigned char* driverPath, unsigned char* driverName, unsigned char* securityTopic)
 {
+    // An earlier dialog of this process may be gone with its widgets: a build
+    // that stops early must leave empty controls, never that dialog's.
+    forgetListOfWidgets();
     shell1 = createShell();
     if (!widgetMade(shell1))
         return;
