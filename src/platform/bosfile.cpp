@@ -84,11 +84,16 @@ int keepAboveZero(int fd)
 // the loop asked for with BOS_OPEN_TEMP_LOOP.
 int createTemporary(char* path, int tries)
 {
-    const char* dir = std::getenv("ZU_TMPDIR");
-    if (dir == nullptr || *dir == 0)
-        dir = std::getenv("TMPDIR");
-    if (dir == nullptr || *dir == 0)
-        dir = "/tmp";
+    // As tempnam chooses: the first of ZU_TMPDIR, TMPDIR and /tmp that names
+    // an existing directory, so a stale variable does not stop scratch files.
+    const char* dir = "/tmp";
+    for (const char* candidate : {std::getenv("ZU_TMPDIR"), std::getenv("TMPDIR")}) {
+        struct stat info;
+        if (candidate != nullptr && *candidate != 0 && stat(candidate, &info) == 0 && S_ISDIR(info.st_mode)) {
+            dir = candidate;
+            break;
+        }
+    }
     size_t length = std::strlen(dir);
     const char* slash = length > 0 && dir[length - 1] == '/' ? "" : "/";
     int fd = -1;

@@ -20,6 +20,8 @@
 //     is made to differ by one end of line;
 //  6. the lock and the descriptor are released on every path, and the
 //     cached text is never written into, so a failure leaves it as it was.
+#include <errno.h>
+#include <fcntl.h>
 #include <time.h>
 
 #include <cstring>
@@ -38,15 +40,32 @@ inline bool atEol(const char* p) { return std::memcmp(p, ZU_INI_EOL, ZU_INI_EOL_
 constexpr long long kWriterLockOffset = 0x7FFF0000LL;
 constexpr int kWriterLockWaitMs = 10000;
 
-int lockWriters(int handle)
+// The writers' lock is an open-file-description lock rather than a POSIX
+// record lock: a record lock belongs to the process and vanishes when any of
+// its descriptors of the file is closed (another cache, a shim, a load), which
+// would let a second process's writer in halfway through a rewrite.  A
+// description lock lives as long as the rewrite's own descriptor and also
+// keeps apart two descriptors of one process.
+int setWriterLock(int handle, short type)
+{
+    struct flock lock = {};
+    lock.l_type = type;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = kWriterLockOffset;
+    lock.l_len = 1;
+    return fcntl(handle, F_OFD_SETLK, &lock);
+}
+
+int lockWriters(int handle, const char* path)
 {
     for (int waited = 0;; ++waited) {
-        const unsigned before = iniErrorCount();
-        if (bosRegionLock(handle, 0, kWriterLockOffset, 1) == 0)
+        if (setWriterLock(handle, F_WRLCK) == 0)
             return 0;
-        if (waited >= kWriterLockWaitMs)
-            return 1;  // the last refusal stays reported
-        iniDropErrorsSince(before);
+        const int error = errno;
+        if ((error != EAGAIN && error != EACCES) || waited >= kWriterLockWaitMs) {
+            bosMapError(error == EACCES ? EAGAIN : error, path);
+            return 1;
+        }
         struct timespec pause = {0, 1000000};
         nanosleep(&pause, nullptr);
     }
@@ -71,7 +90,7 @@ void ZuIniFileCache::releaseFile(int locked)
         return;
     const unsigned before = iniErrorCount();
     if (locked)
-        bosRegionLock(handle_, 1, kWriterLockOffset, 1);
+        setWriterLock(handle_, F_UNLCK);
     bosFileClose(handle_);
     handle_ = 0;
     iniDropErrorsSince(before);
@@ -108,7 +127,7 @@ int ZuIniFileCache::rewrite(const char* bracketed, const char* entry, const char
     if (bosFileOpen(path, BOS_OPEN_WRITE | BOS_OPEN_CREATE_IF_MISSING, &handle) != 0)
         return 1;
     handle_ = handle;
-    if (lockWriters(handle_) != 0) {
+    if (lockWriters(handle_, path) != 0) {
         releaseFile(0);
         return 1;
     }
