@@ -67,8 +67,8 @@ def integers(out, seed, types):
         for delta in (-1, 0, 1):
             specials.add(10 ** k + delta)
     lines = []
-    for spec in types:
-        name, bits, kind = spec.split(":")
+    for entry in types:
+        name, bits, kind = entry.split(":")
         bits, signed = int(bits), kind == "s"
         values = set(specials)
         values |= {2 ** (bits - 1) - 1, 2 ** (bits - 1), 2 ** bits - 1, 2 ** bits}
