@@ -13,18 +13,8 @@ Widget lblSybDSName, txtSybDSNAme, lblSybDesc, txtSybDesc, lblSybNetAddr, txtSyb
 
 namespace {
 
-constexpr int LABEL_LEFT = 5, LABEL_RIGHT = 160;
-constexpr int FIELD_LEFT = 160, FIELD_RIGHT = 370;
+constexpr FieldColumns COLUMNS = {5, 160, 160, 370};
 constexpr int HELP_LEFT = 400, HELP_RIGHT = 480;
-
-struct Row {
-    int labelId;
-    const char* fieldName;
-    Widget* label;
-    Widget* field;
-    int top;
-    int bottom;
-};
 
 }  // namespace
 
@@ -36,26 +26,17 @@ Widget createGeneralTab(Widget notebook)
         return frmSybGen;
     TabChildren children;
 
-    const Row rows[] = {
+    const LabelledField rows[] = {
         {24052, "txtSybDSNAme", &lblSybDSName, &txtSybDSNAme, 5, 30},
         {24091, "txtSybDesc", &lblSybDesc, &txtSybDesc, 35, 60},
         {24093, "txtSybNetAddr", &lblSybNetAddr, &txtSybNetAddr, 65, 90},
         {24053, "txtSybDBName", &lblSybDBName, &txtSybDBName, 95, 120},
     };
-    for (const Row& row : rows) {
-        *row.label = children.add(createLabel(frmSybGen, row.labelId));
-        *row.field = children.add(createTextField(frmSybGen, row.fieldName, nullptr));
-        if (!widgetMade(*row.label) || !widgetMade(*row.field))
-            return frmSybGen;
-        setControlRect(*row.label, row.top, row.bottom, LABEL_LEFT, LABEL_RIGHT);
-        setControlRect(*row.field, row.top, row.bottom, FIELD_LEFT, FIELD_RIGHT);
-    }
-
-    btnSybgenHelp = children.add(createNamedButton(frmSybGen, "btnSybgenHelp", 7311));
-    if (!widgetMade(btnSybgenHelp))
+    if (!buildLabelledFields(frmSybGen, children, rows, COLUMNS))
         return frmSybGen;
-    setControlRect(btnSybgenHelp, 5, 30, HELP_LEFT, HELP_RIGHT);
-    XtAddCallback(btnSybgenHelp, XmNactivateCallback, showTabHelp, const_cast<char*>("sybgeneral"));
+    btnSybgenHelp = addHelpButton(frmSybGen, children, "btnSybgenHelp", "sybgeneral", 5, 30, HELP_LEFT, HELP_RIGHT);
+    if (btnSybgenHelp == nullptr)
+        return frmSybGen;
 
     children.manage();
     return frmSybGen;

@@ -13,6 +13,8 @@
 
 #include <X11/Intrinsic.h>
 
+#include <span>
+
 Widget createGeneralTab(Widget notebook);
 Widget createAdvancedTab(Widget notebook);
 Widget createConnectionTab(Widget notebook);
@@ -54,5 +56,30 @@ private:
     Widget widgets_[CAPACITY] = {};
     Cardinal count_ = 0;
 };
+
+// One row of a tab: catalog label `labelId` beside a text field `fieldName`,
+// both stored through the pointers, between `top` and `bottom`.
+struct LabelledField {
+    int labelId;
+    const char* fieldName;
+    Widget* label;
+    Widget* field;
+    int top;
+    int bottom;
+};
+// Columns of a tab made of labelled fields.
+struct FieldColumns {
+    int labelLeft, labelRight, fieldLeft, fieldRight;
+};
+
+// Makes the rows on `form`, placed in `columns`, and adds them to
+// `children`; false (the out-of-memory box shown) when a widget could not be
+// made.
+bool buildLabelledFields(Widget form, TabChildren& children, std::span<const LabelledField> rows,
+                         const FieldColumns& columns);
+// A help button named `name` in the given rectangle that opens `topic`, a
+// string of static life; null (the box shown) when it could not be made.
+Widget addHelpButton(Widget form, TabChildren& children, const char* name, const char* topic, int top, int bottom,
+                     int left, int right);
 
 #endif

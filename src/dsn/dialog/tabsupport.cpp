@@ -63,3 +63,28 @@ bool widgetMade(Widget w)
     exit_code = 1;
     return false;
 }
+
+bool buildLabelledFields(Widget form, TabChildren& children, std::span<const LabelledField> rows,
+                         const FieldColumns& columns)
+{
+    for (const LabelledField& row : rows) {
+        *row.label = children.add(createLabel(form, row.labelId));
+        *row.field = children.add(createTextField(form, row.fieldName, nullptr));
+        if (!widgetMade(*row.label) || !widgetMade(*row.field))
+            return false;
+        setControlRect(*row.label, row.top, row.bottom, columns.labelLeft, columns.labelRight);
+        setControlRect(*row.field, row.top, row.bottom, columns.fieldLeft, columns.fieldRight);
+    }
+    return true;
+}
+
+Widget addHelpButton(Widget form, TabChildren& children, const char* name, const char* topic, int top, int bottom,
+                     int left, int right)
+{
+    Widget button = children.add(createNamedButton(form, name, 7311));
+    if (!widgetMade(button))
+        return nullptr;
+    setControlRect(button, top, bottom, left, right);
+    XtAddCallback(button, XmNactivateCallback, showTabHelp, const_cast<char*>(topic));
+    return button;
+}
