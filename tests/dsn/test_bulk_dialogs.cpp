@@ -20,6 +20,7 @@
 #include "dsn.h"
 #include "dsn/attrlist.h"
 #include "dsn/backend_impl.h"
+#include "dsn/dialog_script.h"
 #include "dsn/dialog/bulk_impl.h"
 #include "odbcenv.h"
 #include "platform/catalog.h"
@@ -119,63 +120,6 @@ void later(XtAppContext app, std::function<void()> action)
                     held);
 }
 
-// Steps run one after another from the dialog's loops; a step that returns
-// false runs again a little later.  A guard ends the dialog like Cancel if
-// the script has not ended it in time, and closes boxes left open.
-class Script {
-public:
-    using Step = std::function<bool()>;
-    explicit Script(std::vector<Step> steps) : steps_(std::move(steps)) {}
-
-    int run(XtAppContext app, Widget parent, driverDSNName* dsn, nd* list, int timeoutMs = 30000)
-    {
-        app_ = app;
-        timer_ = XtAppAddTimeOut(app, 50, &Script::tick, this);
-        guard_ = XtAppAddTimeOut(app, static_cast<unsigned long>(timeoutMs), &Script::expire, this);
-        const int code = invokeBackend(parent, dsn, list);
-        if (timer_ != 0)
-            XtRemoveTimeOut(timer_);
-        if (guard_ != 0)
-            XtRemoveTimeOut(guard_);
-        return code;
-    }
-    bool finished() const { return next_ == steps_.size(); }
-    bool expired() const { return expired_; }
-
-private:
-    static void tick(XtPointer data, XtIntervalId*)
-    {
-        auto* self = static_cast<Script*>(data);
-        self->timer_ = 0;
-        if (self->expired_) {
-            if (Widget box = shownBox())
-                press(box, XmDIALOG_OK_BUTTON);
-        } else if (self->next_ < self->steps_.size() && self->steps_[self->next_]()) {
-            ++self->next_;
-        }
-        if (self->next_ < self->steps_.size() || self->expired_)
-            self->timer_ = XtAppAddTimeOut(self->app_, 30, &Script::tick, self);
-    }
-    static void expire(XtPointer data, XtIntervalId*)
-    {
-        auto* self = static_cast<Script*>(data);
-        self->guard_ = 0;
-        self->expired_ = true;
-        if (Widget box = shownBox())
-            press(box, XmDIALOG_OK_BUTTON);
-        commonCancelFunctionality(shell1);
-        if (self->timer_ == 0)
-            self->timer_ = XtAppAddTimeOut(self->app_, 30, &Script::tick, self);
-    }
-
-    std::vector<Step> steps_;
-    std::size_t next_ = 0;
-    XtAppContext app_ = nullptr;
-    XtIntervalId timer_ = 0;
-    XtIntervalId guard_ = 0;
-    bool expired_ = false;
-};
-
 bool dialogMapped() { return shell1 != nullptr && viewable(XtParent(shell1)); }
 
 Widget bulkButton(const char* name) { return XtNameToWidget(shell1, (std::string("*frmbulk.") + name).c_str()); }
@@ -222,8 +166,11 @@ protected:
     {
         driverDSNName* dsn = PopulateDriverDSNStruct(driverName, nullptr, DSN_REQUEST_ADD,
                                                      const_cast<char*>("BulkDsn"), nullptr, 0, nullptr);
-        Script script(std::move(steps));
-        const int code = script.run(app_, top_, dsn, nullptr);
+        Script script(std::move(steps), [] {
+            if (Widget box = shownBox())
+                press(box, XmDIALOG_OK_BUTTON);
+        });
+        const int code = script.run(app_, top_, dsn, nullptr, 30000);
         EXPECT_TRUE(script.finished());
         EXPECT_FALSE(script.expired());
         return code;

@@ -20,6 +20,7 @@
 #include "dsn.h"
 #include "dsn/about_impl.h"
 #include "dsn/backend_impl.h"
+#include "dsn/dialog_script.h"
 #include "dsn/dialog/controltable.h"
 #include "dsn/installspy.h"
 #include "dsn/msgbox_impl.h"
@@ -106,55 +107,6 @@ BoxState messageBox()
     return state;
 }
 
-// Steps run one after another from the dialog's loop; a step that returns
-// false runs again a little later (waiting for the server).  A guard ends
-// the dialog like Cancel if the script has not ended it in time.
-class Script {
-public:
-    using Step = std::function<bool()>;
-    explicit Script(std::vector<Step> steps) : steps_(std::move(steps)) {}
-
-    int run(XtAppContext app, Widget parent, driverDSNName* dsn, nd* list, int timeoutMs = 20000)
-    {
-        app_ = app;
-        timer_ = XtAppAddTimeOut(app, 50, &Script::tick, this);
-        guard_ = XtAppAddTimeOut(app, static_cast<unsigned long>(timeoutMs), &Script::expire, this);
-        const int code = invokeBackend(parent, dsn, list);
-        if (timer_ != 0)
-            XtRemoveTimeOut(timer_);
-        if (guard_ != 0)
-            XtRemoveTimeOut(guard_);
-        return code;
-    }
-    bool finished() const { return next_ == steps_.size(); }
-    bool expired() const { return expired_; }
-
-private:
-    static void tick(XtPointer data, XtIntervalId*)
-    {
-        auto* self = static_cast<Script*>(data);
-        self->timer_ = 0;
-        if (self->next_ < self->steps_.size() && self->steps_[self->next_]())
-            ++self->next_;
-        if (self->next_ < self->steps_.size())
-            self->timer_ = XtAppAddTimeOut(self->app_, 30, &Script::tick, self);
-    }
-    static void expire(XtPointer data, XtIntervalId*)
-    {
-        auto* self = static_cast<Script*>(data);
-        self->guard_ = 0;
-        self->expired_ = true;
-        commonCancelFunctionality(shell1);
-    }
-
-    std::vector<Step> steps_;
-    std::size_t next_ = 0;
-    XtAppContext app_ = nullptr;
-    XtIntervalId timer_ = 0;
-    XtIntervalId guard_ = 0;
-    bool expired_ = false;
-};
-
 bool dialogMapped()
 {
     if (shell1 == nullptr || !XtIsRealized(XtParent(shell1)))
@@ -207,7 +159,7 @@ protected:
         return PopulateDriverDSNStruct(kTestDriver, nullptr, request, const_cast<char*>(name.c_str()), nullptr, 0,
                                        nullptr);
     }
-    int run(Script& script, driverDSNName* dsn, nd* list) { return script.run(app_, top_, dsn, list); }
+    int run(Script& script, driverDSNName* dsn, nd* list) { return script.run(app_, top_, dsn, list, 20000); }
 
     static XtAppContext app_;
     static Widget top_;
