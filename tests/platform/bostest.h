@@ -9,10 +9,12 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -124,6 +126,58 @@ protected:
 
 private:
     int uses_ = 0;
+};
+
+// A forked child that holds a write lock on [start, start + length) of the
+// file until release() or destruction; holding() says whether it got it.
+class LockingChild {
+public:
+    LockingChild(const std::string& path, off_t start, off_t length)
+    {
+        if (pipe(ready_) != 0 || pipe(done_) != 0)
+            return;
+        child_ = fork();
+        if (child_ == 0) {
+            int fd = open(path.c_str(), O_RDWR);
+            struct flock lk {};
+            lk.l_type = F_WRLCK;
+            lk.l_whence = SEEK_SET;
+            lk.l_start = start;
+            lk.l_len = length;
+            char c = fcntl(fd, F_SETLK, &lk) == 0 ? 'y' : 'n';
+            (void)!write(ready_[1], &c, 1);
+            (void)!read(done_[0], &c, 1);
+            _exit(0);
+        }
+        char c = 0;
+        holding_ = child_ > 0 && read(ready_[0], &c, 1) == 1 && c == 'y';
+    }
+    ~LockingChild() { release(); }
+    LockingChild(const LockingChild&) = delete;
+    LockingChild& operator=(const LockingChild&) = delete;
+
+    bool holding() const { return holding_; }
+    // Ends the child, and with it its lock.
+    void release()
+    {
+        if (child_ > 0) {
+            (void)!write(done_[1], "x", 1);
+            int status = 0;
+            waitpid(child_, &status, 0);
+            child_ = -1;
+        }
+        for (int& fd : {std::ref(ready_[0]), std::ref(ready_[1]), std::ref(done_[0]), std::ref(done_[1])})
+            if (fd >= 0) {
+                close(fd);
+                fd = -1;
+            }
+    }
+
+private:
+    int ready_[2] = {-1, -1};
+    int done_[2] = {-1, -1};
+    pid_t child_ = -1;
+    bool holding_ = false;
 };
 
 #endif

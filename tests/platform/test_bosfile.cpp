@@ -238,33 +238,12 @@ TEST_F(BosFile, MarkerLockIsSeenByAnotherProcess)
     bosFileClose(h);
 
     // A child holds the marker: our exclusive open is refused, not waited for.
-    int ready[2], done[2];
-    ASSERT_EQ(pipe(ready), 0);
-    ASSERT_EQ(pipe(done), 0);
-    pid_t child = fork();
-    if (child == 0) {
-        int fd = open(path.c_str(), O_RDWR);
-        struct flock lk {};
-        lk.l_type = F_WRLCK;
-        lk.l_whence = SEEK_SET;
-        lk.l_start = 1;
-        lk.l_len = 1;
-        char c = fcntl(fd, F_SETLK, &lk) == 0 ? 'y' : 'n';
-        (void)!write(ready[1], &c, 1);
-        (void)!read(done[0], &c, 1);
-        _exit(0);
-    }
-    char c = 0;
-    ASSERT_EQ(read(ready[0], &c, 1), 1);
-    ASSERT_EQ(c, 'y');
+    LockingChild holder(path, 1, 1);
+    ASSERT_TRUE(holder.holding());
     openPath(path, BOS_OPEN_WRITE | BOS_OPEN_LOCK, &h, &rc);
     EXPECT_EQ(rc, 1);
     EXPECT_EQ(lastNumber(), 1512u);
-    (void)!write(done[1], "x", 1);
-    int status = 0;
-    waitpid(child, &status, 0);
-    for (int fd : {ready[0], ready[1], done[0], done[1]})
-        close(fd);
+    holder.release();
     openPath(path, BOS_OPEN_WRITE | BOS_OPEN_LOCK, &h, &rc);
     EXPECT_EQ(rc, 0) << "the holder is gone";
     bosFileClose(h);

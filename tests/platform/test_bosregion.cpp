@@ -62,35 +62,14 @@ TEST_F(RegionLocks, AnotherProcessSeesTheRegionsOnly)
 
 TEST_F(RegionLocks, RegionHeldByAnotherProcessIsRefusedAtOnce)
 {
-    int ready[2], done[2];
-    ASSERT_EQ(pipe(ready), 0);
-    ASSERT_EQ(pipe(done), 0);
     const std::string path = dir / "r";
-    pid_t child = fork();
-    if (child == 0) {
-        int own = open(path.c_str(), O_RDWR);
-        struct flock lk {};
-        lk.l_type = F_WRLCK;
-        lk.l_whence = SEEK_SET;
-        lk.l_start = 20;
-        lk.l_len = 10;
-        char c = fcntl(own, F_SETLK, &lk) == 0 ? 'y' : 'n';
-        (void)!write(ready[1], &c, 1);
-        (void)!read(done[0], &c, 1);
-        _exit(0);
-    }
-    char c = 0;
-    ASSERT_EQ(read(ready[0], &c, 1), 1);
-    ASSERT_EQ(c, 'y');
+    LockingChild holder(path, 20, 10);
+    ASSERT_TRUE(holder.holding());
     EXPECT_EQ(bosRegionLock(fd, 0, 25, 1), 1);
     EXPECT_EQ(lastNumber(), 1512u) << "locked, reported as such";
     EXPECT_EQ(bosRegionLock(fd, 0, 30, 5), 0) << "next to the child's region";
     bosRegionLock(fd, 1, 30, 5);
-    (void)!write(done[1], "x", 1);
-    int status = 0;
-    waitpid(child, &status, 0);
-    for (int p : {ready[0], ready[1], done[0], done[1]})
-        close(p);
+    holder.release();
     EXPECT_EQ(bosRegionLock(fd, 0, 25, 1), 0) << "the child is gone";
     bosRegionLock(fd, 1, 25, 1);
 }
